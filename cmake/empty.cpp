@@ -1,0 +1,1 @@
+// Placeholder source so that every library target has at least one file.

@@ -1,0 +1,55 @@
+// Helpers shared by the tests: a fresh temporary directory per test, file
+// bytes, and hand-written byte sequences.
+#ifndef VELMIO_TESTS_TEST_SUPPORT_H
+#define VELMIO_TESTS_TEST_SUPPORT_H
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+namespace velmio::test {
+
+using Bytes = std::vector<std::uint8_t>;
+
+// A directory made for one test and removed with everything in it afterwards.
+class TempDir {
+public:
+    TempDir();
+    ~TempDir();
+    TempDir(const TempDir &) = delete;
+    TempDir &operator=(const TempDir &) = delete;
+    const std::string &path() const { return path_; }
+    std::wstring wpath() const;
+    std::string file(const std::string &name) const { return path_ + "/" + name; }
+    std::wstring wfile(const std::string &name) const;
+
+private:
+    std::string path_;
+};
+
+Bytes readFile(const std::string &path);
+void writeFile(const std::string &path, const Bytes &bytes);
+void writeText(const std::string &path, const std::string &text);
+std::string readText(const std::string &path);
+bool fileExists(const std::string &path);
+
+// Big-endian 32-bit units, as XDR writes them.
+void be32(Bytes &out, std::uint32_t value);
+Bytes be32s(std::initializer_list<std::uint32_t> values);
+void append(Bytes &out, const Bytes &more);
+// The ASCII bytes of text (no terminator).
+Bytes ascii(const std::string &text);
+// Readable hex dump for failure messages.
+std::string hex(const Bytes &bytes);
+
+// Compares bytes and on mismatch reports the first differing offset.
+::testing::AssertionResult SameBytes(const Bytes &expected, const Bytes &actual);
+
+std::wstring widen(const std::string &text);
+
+}  // namespace velmio::test
+
+#endif

@@ -1,0 +1,28 @@
+// The velmio command's subcommands: each lives in its own file and registers
+// itself in the table of tools/main.cpp.
+#ifndef VELMIO_TOOLS_COMMAND_H
+#define VELMIO_TOOLS_COMMAND_H
+
+#include <string>
+#include <vector>
+
+namespace velmio::tool {
+
+using Args = std::vector<std::string>;
+
+struct Command {
+    const char *name;
+    const char *usage;    // arguments, for the help text
+    const char *summary;  // one line
+    int (*run)(const Args &args);
+};
+
+int runVersion(const Args &args);
+int runTime(const Args &args);
+
+// UTF-8 argument to a wide string.
+std::wstring widen(const std::string &text);
+
+}  // namespace velmio::tool
+
+#endif
