@@ -1,0 +1,150 @@
+#include "linestore/line_segment_file.h"
+
+#include <velmio/encoding.h>
+#include <velmio/linestore.h>
+
+#include "foundation/diagnostics.h"
+#include "platform/files.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cwchar>
+#include <new>
+#include <string>
+#include <vector>
+
+namespace velmio {
+
+using namespace xdr;
+
+int encodeExtent(const TOVO_Sensor &h, ExtentKind kind, double v) {
+    switch (kind) {
+    case ExtentKind::Time: return TOVO_EncodeTime(v, h.referenceTime, h.timeScale);
+    case ExtentKind::Value: return h.encodeValue ? h.encodeValue(v) : TOVO_EncodeMeters(v);
+    case ExtentKind::Latitude: return TOVO_EncodePosition(v, h.referenceLatitude, h.positionScale);
+    case ExtentKind::Longitude: return TOVO_EncodePosition(v, h.referenceLongitude, h.positionScale);
+    case ExtentKind::Metres: return TOVO_EncodeMeters(v);
+    }
+    return 0;
+}
+
+double decodeExtent(const TOVO_Sensor &h, ExtentKind kind, int unit) {
+    switch (kind) {
+    case ExtentKind::Time: return TOVO_DecodeTime(h.referenceTime, h.timeScale, unit);
+    case ExtentKind::Value: return h.decodeValue ? h.decodeValue(unit) : TOVO_DecodeMeters(unit);
+    case ExtentKind::Latitude: return TOVO_DecodePosition(h.referenceLatitude, h.positionScale, unit);
+    case ExtentKind::Longitude: return TOVO_DecodePosition(h.referenceLongitude, h.positionScale, unit);
+    case ExtentKind::Metres: return TOVO_DecodeMeters(unit);
+    }
+    return 0.0;
+}
+
+namespace {
+
+int openFailure(const TOVO_Sensor &h, const SegmentFileFormat &f, int err) {
+    if (!f.openErrors) return f.cannotOpen;
+    return platform::reportOpenFailure(printable(h.segmentPath.c_str()), err, *f.openErrors, false,
+                                       f.openErrors->other);
+}
+
+void sayIf(const char *message) {
+    if (message) say("%s", message);
+}
+
+}  // namespace
+
+int writeLineSegmentFile(TOVO_Sensor &h, const SegmentFileFormat &f) {
+    std::FILE *file = platform::openFile(h.segmentPath.c_str(), "wb");
+    if (!file) return openFailure(h, f, errno);
+    XDR x;
+    xdrstdio_create(&x, file, XDR_ENCODE);
+    int count = static_cast<int>(h.segmentCount);
+    bool ok = TOVO_WriteLnSegValidationRecord(&h, &x) == 0 && xdr_int(&x, &count);
+    std::string narrow;
+    for (_TOVO_LnSeg *s = h.firstSegment; s && ok; s = s->next) {
+        // Names travel as 8-bit characters; others become '?'.
+        narrow.clear();
+        for (wchar_t c : s->name) narrow += (c >= 0 && c < 256) ? static_cast<char>(c) : '?';
+        unsigned int length = static_cast<unsigned int>(narrow.size());
+        char *text = narrow.data();
+        ok = xdr_u_int(&x, &s->status) && xdr_u_int(&x, &length) && xdr_string(&x, &text, length) &&
+             xdr_u_int(&x, &s->firstRecord) && xdr_u_int(&x, &s->lastRecord);
+        for (int k = 0; k < f.extentCount && ok; ++k) {
+            int lo = encodeExtent(h, f.kinds[k], s->extents[k].min);
+            int hi = encodeExtent(h, f.kinds[k], s->extents[k].max);
+            ok = xdr_int(&x, &lo) && xdr_int(&x, &hi);
+        }
+    }
+    xdr_destroy(&x);
+    const bool closed = std::fclose(file) == 0;
+    if (!ok) return f.notWritten;
+    return closed ? 0 : f.closeFailed;
+}
+
+int readLineSegmentFile(TOVO_Sensor &h, const SegmentFileFormat &f) {
+    std::FILE *file = platform::openFile(h.segmentPath.c_str(), "rb");
+    if (!file) return openFailure(h, f, errno);
+    const std::int64_t size = platform::fileSize(file);
+    XDR x;
+    xdrstdio_create(&x, file, XDR_DECODE);
+    auto fail = [&](const char *message, int code) {
+        sayIf(message);
+        std::fclose(file);
+        return code;
+    };
+    int count = 0;
+    if (TOVO_ReadLnSegValidationRecord(&h, &x) != 0 || !xdr_int(&x, &count)) return fail(f.streamMessage, f.invalid);
+    // A segment takes at least its five words and its extents.
+    const std::int64_t minimum = 4 * (5 + 2 * static_cast<std::int64_t>(f.extentCount));
+    if (count < 0 || static_cast<std::int64_t>(count) * minimum > size - 20) return fail(f.streamMessage, f.invalid);
+    auto field = [&](int i) { return f.fieldMessages ? f.fieldMessages[i] : nullptr; };
+    std::vector<char> name;
+    for (int i = 0; i < count; ++i) {
+        _TOVO_LnSeg *s = LnSegAlloc(&h);
+        if (!s) return fail(f.allocMessage, 5000009);
+        if (!xdr_u_int(&x, &s->status)) return fail(field(0), f.invalid);
+        unsigned int length = 0;
+        if (!xdr_u_int(&x, &length)) return fail(field(1), f.invalid);
+        const long here = std::ftell(file);
+        if (here < 0 || static_cast<std::int64_t>(length) > size - here) return fail(field(2), f.invalid);
+        try {
+            name.assign(static_cast<std::size_t>(length) + 1, '\0');
+        } catch (const std::bad_alloc &) {
+            return fail(f.allocMessage, 5000009);
+        }
+        char *text = name.data();
+        if (!xdr_string(&x, &text, length)) return fail(field(2), f.invalid);
+        s->nameLength = length;
+        s->name.clear();
+        for (const char *c = text; *c; ++c) s->name += static_cast<wchar_t>(static_cast<unsigned char>(*c));
+        if (!xdr_u_int(&x, &s->firstRecord)) return fail(field(3), f.invalid);
+        if (!xdr_u_int(&x, &s->lastRecord)) return fail(field(4), f.invalid);
+        for (int k = 0; k < f.extentCount; ++k) {
+            int lo, hi;
+            if (!xdr_int(&x, &lo)) return fail(field(5 + 2 * k), f.invalid);
+            if (!xdr_int(&x, &hi)) return fail(field(6 + 2 * k), f.invalid);
+            s->extents[k].min = decodeExtent(h, f.kinds[k], lo);
+            s->extents[k].max = decodeExtent(h, f.kinds[k], hi);
+        }
+    }
+    if (std::fclose(file) != 0) {
+        sayIf(f.closeMessage);
+        return f.closeFailed;
+    }
+    return 0;
+}
+
+int beginSegment(TOVO_Sensor &h, const wchar_t *name, std::uint32_t firstRecord) {
+    _TOVO_LnSeg *s = LnSegAlloc(&h);
+    if (!s) return 5000009;
+    try {
+        s->name = name ? name : L"";
+    } catch (const std::bad_alloc &) {
+        return 5000009;
+    }
+    s->nameLength = static_cast<std::uint32_t>(s->name.size());
+    s->firstRecord = firstRecord;
+    return 0;
+}
+
+}  // namespace velmio
