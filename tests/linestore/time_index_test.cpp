@@ -1,0 +1,147 @@
+// The time index: appending, mapping, and its file form byte for byte.
+#include <velmio/linestore.h>
+
+#include "linestore/sensor.h"
+#include "linestore/time_index.h"
+#include "support/test_support.h"
+
+#include <cstdio>
+
+using velmio::TimeIndex;
+using namespace velmio::test;
+
+TEST(TimeIndex, SetsOf512AndMappingAcrossThem) {
+    TimeIndex idx;
+    for (std::uint32_t i = 0; i < 512; ++i) ASSERT_EQ(idx.append(static_cast<int>(i), 48 + 12 * i), 0);
+    EXPECT_EQ(idx.setCount(), 1u);
+    ASSERT_EQ(idx.append(7, 99999), 0);
+    EXPECT_EQ(idx.setCount(), 2u);
+    EXPECT_EQ(idx.last()->count, 1u);
+    std::uint32_t off = 0;
+    EXPECT_EQ(idx.map(513, off), 0);
+    EXPECT_EQ(off, 99999u);
+    EXPECT_EQ(idx.map(512, off), 0);
+    EXPECT_EQ(off, 48u + 12 * 511);
+    EXPECT_EQ(idx.map(0, off), velmio::kTmIdxRecordZero);
+    EXPECT_EQ(idx.map(514, off), velmio::kTmIdxNotFound);
+    EXPECT_EQ(idx.first()->minTime, 0);
+    EXPECT_EQ(idx.first()->maxTime, 511);
+}
+
+TEST(TimeIndex, MapsTenMillionRecordsWithoutWalkingTheChain) {
+    TimeIndex idx;
+    const std::uint32_t n = 10000000;
+    for (std::uint32_t i = 1; i <= n; ++i) ASSERT_EQ(idx.append(0, i), 0);
+    std::uint32_t off = 0;
+    for (std::uint32_t r : {1u, 10u, 512u, 513u, 9999999u, 10000000u}) {
+        ASSERT_EQ(idx.map(r, off), 0);
+        EXPECT_EQ(off, r);
+    }
+}
+
+TEST(TimeIndex, FileFormIsByteExact) {
+    TempDir dir;
+    TimeIndex idx;
+    ASSERT_EQ(idx.append(-20000, 48), 0);
+    ASSERT_EQ(idx.append(-19000, 60), 0);
+    ASSERT_EQ(idx.write(dir.wfile("GyroTmIdx").c_str(), 1, 1), 0);
+    Bytes expected = ascii("TOVO");
+    append(expected, be32s({1, 3, 1, 1, 512,                          // type, version, format, sets, capacity
+                            2, 0xFFFFB1E0, 0xFFFFB5C8,                // set header: count, min, max
+                            2, 0xFFFFB1E0, 48, 0xFFFFB5C8, 60}));      // the array
+    EXPECT_TRUE(SameBytes(expected, readFile(dir.file("GyroTmIdx"))));
+
+    TimeIndex back;
+    ASSERT_EQ(back.read(dir.wfile("GyroTmIdx").c_str(), 1), 0);
+    std::uint32_t off;
+    ASSERT_EQ(back.map(2, off), 0);
+    EXPECT_EQ(off, 60u);
+    EXPECT_EQ(back.first()->minTime, -20000);
+
+    TimeIndex wrongType;
+    EXPECT_EQ(wrongType.read(dir.wfile("GyroTmIdx").c_str(), 2), velmio::kTmIdxInvalid);
+    EXPECT_EQ(wrongType.read(dir.wfile("missing").c_str(), 1), velmio::kTmIdxCannotOpen);
+}
+
+TEST(TimeIndex, EmptyIndexIsSixUnits) {
+    TempDir dir;
+    TimeIndex idx;
+    ASSERT_EQ(idx.write(dir.wfile("t").c_str(), 30, 2), 0);
+    Bytes expected = ascii("TOVO");
+    append(expected, be32s({30, 3, 2, 0, 512}));
+    EXPECT_TRUE(SameBytes(expected, readFile(dir.file("t"))));
+    TimeIndex back;
+    EXPECT_EQ(back.read(dir.wfile("t").c_str(), 30), 0);
+    EXPECT_EQ(back.setCount(), 0u);
+}
+
+TEST(TimeIndex, CorruptFilesAreRefusedAtEveryLength) {
+    TempDir dir;
+    TimeIndex idx;
+    for (int i = 0; i < 600; ++i) ASSERT_EQ(idx.append(i, 100 + i), 0);
+    ASSERT_EQ(idx.write(dir.wfile("full").c_str(), 1, 1), 0);
+    const Bytes good = readFile(dir.file("full"));
+    for (std::size_t cut = 0; cut < good.size(); cut += (cut < 80 ? 1 : 97)) {
+        writeFile(dir.file("cut"), Bytes(good.begin(), good.begin() + static_cast<long>(cut)));
+        TimeIndex back;
+        EXPECT_EQ(back.read(dir.wfile("cut").c_str(), 1), velmio::kTmIdxInvalid) << "cut at " << cut;
+    }
+    // Counts larger than the file can hold are refused before any allocation.
+    Bytes huge = ascii("TOVO");
+    append(huge, be32s({1, 3, 1, 0x7FFFFFFF, 0xFFFFFFFF}));
+    writeFile(dir.file("huge"), huge);
+    TimeIndex back;
+    EXPECT_EQ(back.read(dir.wfile("huge").c_str(), 1), velmio::kTmIdxInvalid);
+    Bytes bigSet = ascii("TOVO");
+    append(bigSet, be32s({1, 3, 1, 1, 0xFFFFFFFF, 0x40000000, 0, 0, 0x40000000}));
+    writeFile(dir.file("bigset"), bigSet);
+    EXPECT_EQ(back.read(dir.wfile("bigset").c_str(), 1), velmio::kTmIdxInvalid);
+    // An array count that disagrees with its set header.
+    Bytes mismatch = ascii("TOVO");
+    append(mismatch, be32s({1, 3, 1, 1, 512, 1, 5, 5, 2, 5, 16, 6, 20}));
+    writeFile(dir.file("mismatch"), mismatch);
+    EXPECT_EQ(back.read(dir.wfile("mismatch").c_str(), 1), velmio::kTmIdxInvalid);
+}
+
+TEST(TimeIndexFlat, NullHandlesAndArgumentsHaveTheirCodesAndMessages) {
+    unsigned int off;
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(TmIdxEntry(nullptr, 0), -1);
+    EXPECT_EQ(TmIdxMapIndexToByteOffset(nullptr, 1, &off), -1);
+    EXPECT_EQ(TmIdxWrite(nullptr), 0);
+    EXPECT_EQ(TmIdxRead(nullptr), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "TmIdxEntry: sensor is invalid (empty)\n"
+              "TmIdxMapIndexToByteOffset: sensor is invalid (empty)\n"
+              "TmIdxWrite: sensor is invalid (empty)\n"
+              "TmIdxRead: sensor is invalid (empty)\n");
+}
+
+TEST(TimeIndexFlat, EntriesTakeTheDataFilePosition) {
+    TempDir dir;
+    int err = -1;
+    TOVO_Sensor *h = SensorOpenDir(dir.wpath().c_str(), 1, L"create", &err);
+    ASSERT_NE(h, nullptr);
+    std::fseek(h->dataFile, 48, SEEK_SET);
+    EXPECT_EQ(TmIdxEntry(h, 5), 0);
+    unsigned int off = 0;
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(TmIdxMapIndexToByteOffset(h, 1, &off), 0);
+    EXPECT_EQ(off, 48u);
+    EXPECT_EQ(TmIdxMapIndexToByteOffset(h, 0, &off), 5000036);
+    EXPECT_EQ(TmIdxMapIndexToByteOffset(h, 2, &off), 5000037);
+    EXPECT_EQ(TmIdxMapIndexToByteOffset(h, 1, nullptr), -1);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "TmIdxMapIndexToByteOffset: record number is invalid\n"
+              "TmIdxMapIndexToByteOffset: requested record number not found\n"
+              "TmIdxMapIndexToByteOffset: input variable 'offset' is invalid (empty)\n");
+    EXPECT_EQ(TmIdxWrite(h), 0);
+    EXPECT_NE(TmIdxSetAlloc(h), nullptr);
+    EXPECT_EQ(h->timeIndex.setCount(), 2u);
+    EXPECT_EQ(TmIdxSetFree(h), 0);
+    EXPECT_EQ(h->timeIndex.setCount(), 0u);
+    EXPECT_EQ(TmIdxRead(h), 0);
+    EXPECT_EQ(h->timeIndex.entryCount(), 1u);
+    std::fclose(h->dataFile);
+    SensorFree(h);
+}
