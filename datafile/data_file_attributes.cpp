@@ -1,0 +1,292 @@
+// The attribute data file: declaring, querying and setting attributes.
+#include <velmio/data_file.hpp>
+
+#include "datafile/value_codec.h"
+
+#include <cstdlib>
+#include <new>
+
+using namespace velmio::datafile;
+
+unsigned int VELMDataFile::GetNumberOfAttributes() { return static_cast<unsigned int>(dataAttributes_.size()); }
+unsigned int VELMDataFile::GetNumberOfSummaryAttributes() {
+    return static_cast<unsigned int>(summaryAttributes_.size());
+}
+unsigned int VELMDataFile::GetNumberOfRecords() { return numberOfRecords_; }
+unsigned int VELMDataFile::GetFileVersionNumber() { return fileVersion_; }
+unsigned int VELMDataFile::GetDataVersionNumber() { return dataVersion_; }
+unsigned int VELMDataFile::GetSummeryRecordSize() { return summaryRecordSize_; }
+unsigned int VELMDataFile::GetDataRecordSize() { return dataRecordSize_; }
+unsigned int VELMDataFile::GetSummaryRecordStatus() { return summaryStatus_; }
+unsigned int VELMDataFile::GetDataRecordStatus() { return dataStatus_; }
+double VELMDataFile::GetMinTime() { return minTime_; }
+double VELMDataFile::GetMaxTime() { return maxTime_; }
+
+unsigned int VELMDataFile::GetMinimumSummaryRecordSize() {
+    return 52 + 4 + static_cast<unsigned int>(pad4(description_.toUtf8().size()));
+}
+
+// ---- freeing what was handed out ----
+
+void VELMDataFile::FreeValue(dataType type, dataValue &value) {
+    if (!IsArrayType(type)) return;
+    std::free(value.ptr);
+    value.ptr = nullptr;
+}
+
+void VELMDataFile::FreeValues(const std::vector<dataType> &types, std::vector<dataValue> &values) {
+    for (std::size_t i = 0; i < types.size() && i < values.size(); ++i) FreeValue(types[i], values[i]);
+}
+
+void VELMDataFile::FreeRecordValues(std::vector<dataValue> &values) {
+    for (std::size_t i = 0; i < dataAttributes_.size() && i < values.size(); ++i)
+        FreeValue(dataAttributes_[i].type, values[i]);
+}
+
+// ---- lookups ----
+
+int VELMDataFile::summaryIndex(int index) const {
+    const int count = static_cast<int>(summaryAttributes_.size());
+    if (index < 0 || index > count) return kBadArgument;
+    // An index equal to the count passes the test above on purpose and is
+    // caught by the list's own bounds check.
+    if (index == count) return kNoSuchAttribute;
+    return 0;
+}
+
+int VELMDataFile::findSummary(const MORVAUString &name) const {
+    for (std::size_t i = 0; i < summaryAttributes_.size(); ++i)
+        if (summaryAttributes_[i].name == name) return static_cast<int>(i);
+    return -1;
+}
+
+int VELMDataFile::findData(const MORVAUString &name) const {
+    for (std::size_t i = 0; i < dataAttributes_.size(); ++i)
+        if (dataAttributes_[i].name == name) return static_cast<int>(i);
+    return -1;
+}
+
+// ---- summary attributes ----
+
+int VELMDataFile::GetSummaryAttribute(int index, dataValue &value, int *count) {
+    int rc = summaryIndex(index);
+    if (rc != 0) return rc;
+    dataValue copy;
+    if (!copyValue(summaryAttributes_[index].type, summaryValues_[index], summaryCounts_[index], copy))
+        return kNoMemory;
+    value = copy;
+    if (count) *count = summaryCounts_[index];
+    return 0;
+}
+
+int VELMDataFile::GetSummaryAttribute(const MORVAUString &name, dataValue &value, int *count) {
+    int index = findSummary(name);
+    if (index < 0) return kNoSuchAttribute;
+    return GetSummaryAttribute(index, value, count);
+}
+
+int VELMDataFile::GetAllSummaryAttributes(std::vector<MORVAUString> &names, std::vector<dataType> &types,
+                                          std::vector<dataValue> &values, std::vector<int> &counts) {
+    const std::size_t n = summaryAttributes_.size();
+    std::vector<dataValue> copies;
+    try {
+        std::vector<MORVAUString> outNames;
+        std::vector<dataType> outTypes;
+        std::vector<int> outCounts(summaryCounts_);
+        copies.reserve(n);
+        for (std::size_t i = 0; i < n; ++i) {
+            outNames.push_back(summaryAttributes_[i].name);
+            outTypes.push_back(summaryAttributes_[i].type);
+            dataValue copy;
+            if (!copyValue(summaryAttributes_[i].type, summaryValues_[i], summaryCounts_[i], copy)) {
+                FreeValues(outTypes, copies);
+                return kNoMemory;
+            }
+            copies.push_back(copy);
+        }
+        names.swap(outNames);
+        types.swap(outTypes);
+        values.swap(copies);
+        counts.swap(outCounts);
+        return 0;
+    } catch (const std::bad_alloc &) {
+        for (std::size_t i = 0; i < copies.size(); ++i) FreeValue(summaryAttributes_[i].type, copies[i]);
+        return kNoMemory;
+    }
+}
+
+int VELMDataFile::GetAllSummaryAttributes(std::vector<MORVAUString> &names, std::vector<dataType> &types,
+                                          std::vector<dataValue> &values, int *counts) {
+    try {
+        std::vector<int> all;
+        int rc = GetAllSummaryAttributes(names, types, values, all);
+        if (rc == 0 && counts)
+            for (std::size_t i = 0; i < all.size(); ++i) counts[i] = all[i];
+        return rc;
+    } catch (const std::bad_alloc &) {
+        return kNoMemory;
+    }
+}
+
+int VELMDataFile::SetSummaryAttribute(int index, dataValue value, int count) {
+    if (accessType_ != ACCESS_CREATE && accessType_ != ACCESS_UPDATE) return kWrongAccess;
+    int rc = summaryIndex(index);
+    if (rc != 0) return rc;
+    const dataType type = summaryAttributes_[index].type;
+    if (IsArrayType(type) && (count < 0 || (count > 0 && !value.ptr))) return kBadArgument;
+    dataValue copy;
+    if (!copyValue(type, value, count, copy)) return kNoMemory;
+    FreeValue(type, summaryValues_[index]);
+    summaryValues_[index] = copy;
+    summaryCounts_[index] = IsArrayType(type) ? count : 1;
+    summaryDirty_ = true;
+    return 0;
+}
+
+int VELMDataFile::SetSummaryAttribute(const MORVAUString &name, dataValue value, int count) {
+    if (accessType_ != ACCESS_CREATE && accessType_ != ACCESS_UPDATE) return kWrongAccess;
+    int index = findSummary(name);
+    if (index < 0) return kNoSuchAttribute;
+    return SetSummaryAttribute(index, value, count);
+}
+
+int VELMDataFile::SetSummaryRecordStatus(unsigned int status) {
+    if (accessType_ != ACCESS_CREATE && accessType_ != ACCESS_UPDATE) return kWrongAccess;
+    summaryStatus_ = status;
+    summaryDirty_ = true;
+    return 0;
+}
+
+// ---- data attributes ----
+
+int VELMDataFile::GetDataAttribute(unsigned int index, dataValue &value, int *count) {
+    if (index >= dataAttributes_.size()) return kBadArgument;
+    dataValue copy;
+    if (!copyValue(dataAttributes_[index].type, currentValues_[index], currentCounts_[index], copy))
+        return kNoMemory;
+    value = copy;
+    if (count) *count = currentCounts_[index];
+    return 0;
+}
+
+int VELMDataFile::GetDataAttribute(const MORVAUString &name, dataValue &value, int *count) {
+    int index = findData(name);
+    if (index < 0) return kNoSuchAttribute;
+    return GetDataAttribute(static_cast<unsigned int>(index), value, count);
+}
+
+int VELMDataFile::GetAllDataAttributes(std::vector<MORVAUString> &names, std::vector<dataType> &types,
+                                       std::vector<dataValue> &values, std::vector<int> *counts) {
+    const std::size_t n = dataAttributes_.size();
+    std::vector<dataValue> copies;
+    try {
+        std::vector<MORVAUString> outNames;
+        std::vector<dataType> outTypes;
+        std::vector<int> outCounts(currentCounts_);
+        copies.reserve(n);
+        for (std::size_t i = 0; i < n; ++i) {
+            outNames.push_back(dataAttributes_[i].name);
+            outTypes.push_back(dataAttributes_[i].type);
+            dataValue copy;
+            if (!copyValue(dataAttributes_[i].type, currentValues_[i], currentCounts_[i], copy)) {
+                FreeValues(outTypes, copies);
+                return kNoMemory;
+            }
+            copies.push_back(copy);
+        }
+        names.swap(outNames);
+        types.swap(outTypes);
+        values.swap(copies);
+        if (counts) counts->swap(outCounts);
+        return 0;
+    } catch (const std::bad_alloc &) {
+        for (std::size_t i = 0; i < copies.size(); ++i) FreeValue(dataAttributes_[i].type, copies[i]);
+        return kNoMemory;
+    }
+}
+
+int VELMDataFile::GetAttributesName(std::vector<MORVAUString> &names, std::vector<dataType> &types) {
+    try {
+        std::vector<MORVAUString> outNames;
+        std::vector<dataType> outTypes;
+        for (const Attribute &a : dataAttributes_) {
+            outNames.push_back(a.name);
+            outTypes.push_back(a.type);
+        }
+        names.swap(outNames);
+        types.swap(outTypes);
+        return 0;
+    } catch (const std::bad_alloc &) {
+        return kNoMemory;
+    }
+}
+
+int VELMDataFile::GetAttributeIndex(unsigned int &index, const MORVAUString &name) {
+    int found = findData(name);
+    index = found < 0 ? 0xFFFFFFFFu : static_cast<unsigned int>(found);
+    return 0;
+}
+
+int VELMDataFile::SetDataAttribute(unsigned int index, dataValue value, int count) {
+    if (accessType_ != ACCESS_CREATE) return kWrongAccess;
+    if (index >= dataAttributes_.size()) return kBadArgument;
+    const dataType type = dataAttributes_[index].type;
+    if (IsArrayType(type) && (count < 0 || (count > 0 && !value.ptr))) return kBadArgument;
+    dataValue copy;
+    if (!copyValue(type, value, count, copy)) return kNoMemory;
+    FreeValue(type, currentValues_[index]);
+    currentValues_[index] = copy;
+    currentCounts_[index] = IsArrayType(type) ? count : 1;
+    return 0;
+}
+
+int VELMDataFile::SetDataAttribute(const MORVAUString &name, dataValue value, int count) {
+    if (accessType_ != ACCESS_CREATE) return kWrongAccess;
+    int index = findData(name);
+    if (index < 0) return kNoSuchAttribute;
+    return SetDataAttribute(static_cast<unsigned int>(index), value, count);
+}
+
+// ---- declarations ----
+
+int VELMDataFile::AddAttribute(dataType type, const MORVAUString &name) {
+    if (accessType_ != ACCESS_CREATE) return kWrongAccess;
+    if (!attributesOpen_) return kAttributesClosed;
+    if (!validType(type)) return kBadArgument;
+    try {
+        if (name.toUtf8().size() > kMaxNameBytes) return kBadArgument;
+        dataAttributes_.reserve(dataAttributes_.size() + 1);
+        currentValues_.reserve(dataAttributes_.size() + 1);
+        currentCounts_.reserve(dataAttributes_.size() + 1);
+        dataAttributes_.push_back({type, name});
+    } catch (const std::bad_alloc &) {
+        return kNoMemory;
+    }
+    dataValue empty;
+    empty.d = 0;
+    currentValues_.push_back(empty);
+    currentCounts_.push_back(IsArrayType(type) ? 0 : 1);
+    if (IsArrayType(type)) variableLength_ = true;
+    dataRecordSize_ = fixedRecordSize();
+    return 0;
+}
+
+int VELMDataFile::AddSummaryAttribute(dataType type, const MORVAUString &name) {
+    if (accessType_ != ACCESS_CREATE) return kWrongAccess;
+    if (!attributesOpen_) return kAttributesClosed;
+    if (!validType(type)) return kBadArgument;
+    try {
+        if (name.toUtf8().size() > kMaxNameBytes) return kBadArgument;
+        summaryAttributes_.reserve(summaryAttributes_.size() + 1);
+        summaryValues_.reserve(summaryAttributes_.size() + 1);
+        summaryCounts_.reserve(summaryAttributes_.size() + 1);
+        summaryAttributes_.push_back({type, name});
+    } catch (const std::bad_alloc &) {
+        return kNoMemory;
+    }
+    dataValue empty;
+    empty.d = 0;
+    summaryValues_.push_back(empty);
+    summaryCounts_.push_back(0);
+    return 0;
+}

@@ -1,0 +1,71 @@
+// Byte builders for hand-written attribute data files.
+#ifndef VELMIO_TESTS_DATAFILE_FIXTURES_H
+#define VELMIO_TESTS_DATAFILE_FIXTURES_H
+
+#include <velmio/data_file.hpp>
+
+#include "support/test_support.h"
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+namespace velmio::test {
+
+inline void pad(Bytes &out) {
+    while (out.size() % 4) out.push_back(0);
+}
+
+// An XDR string: length unit, bytes, zero padding.
+inline void xstring(Bytes &out, const std::string &text) {
+    be32(out, static_cast<std::uint32_t>(text.size()));
+    append(out, ascii(text));
+    pad(out);
+}
+
+// A double as this system writes it: low-order word first.
+inline void xdouble(Bytes &out, double d) {
+    std::uint64_t bits;
+    std::memcpy(&bits, &d, 8);
+    be32(out, static_cast<std::uint32_t>(bits));
+    be32(out, static_cast<std::uint32_t>(bits >> 32));
+}
+
+inline std::uint32_t floatBits(float f) {
+    std::uint32_t bits;
+    std::memcpy(&bits, &f, 4);
+    return bits;
+}
+
+// The array form: count, then byte length and the elements in memory order.
+inline void xarray(Bytes &out, const void *elements, int count, std::size_t elementSize) {
+    be32(out, static_cast<std::uint32_t>(count));
+    if (count == 0) return;
+    be32(out, static_cast<std::uint32_t>(count * elementSize));
+    const auto *p = static_cast<const std::uint8_t *>(elements);
+    out.insert(out.end(), p, p + count * elementSize);
+    pad(out);
+}
+
+inline dataValue intValue(std::int32_t i) {
+    dataValue v;
+    v.d = 0;
+    v.i = i;
+    return v;
+}
+
+inline dataValue ptrValue(const void *p) {
+    dataValue v;
+    v.ptr = const_cast<void *>(p);
+    return v;
+}
+
+inline void patch32(Bytes &bytes, std::size_t offset, std::uint32_t value) {
+    Bytes unit;
+    be32(unit, value);
+    std::memcpy(bytes.data() + offset, unit.data(), 4);
+}
+
+}  // namespace velmio::test
+
+#endif
