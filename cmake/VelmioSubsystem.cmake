@@ -48,5 +48,5 @@ function(velmio_test name)
   target_link_libraries(test_${name} PRIVATE ${libs} ${VELMIO_EXTERNAL_LIBS} velmio_test_support
     GTest::gtest_main GTest::gmock)
   gtest_discover_tests(test_${name} DISCOVERY_TIMEOUT 60
-    PROPERTIES ENVIRONMENT "VELMIO_SOURCE_DIR=${PROJECT_SOURCE_DIR};VELMIO_BINARY_DIR=${PROJECT_BINARY_DIR}")
+    PROPERTIES ENVIRONMENT "VELMIO_SOURCE_DIR=${PROJECT_SOURCE_DIR}\\;VELMIO_BINARY_DIR=${PROJECT_BINARY_DIR}")
 endfunction()

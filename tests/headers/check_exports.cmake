@@ -10,6 +10,8 @@ set(count 0)
 foreach(header IN LISTS headers)
   file(READ ${header} text)
   string(REGEX REPLACE "/\\*([^*]|\\*+[^*/])*\\*+/" "" text "${text}")
+  # Macro definitions (export.h) are not declarations.
+  string(REGEX REPLACE "#[ \t]*define[^\n]*" "" text "${text}")
   string(REGEX MATCHALL "VELMIO_API[^;(]*\\(" decls "${text}")
   foreach(decl IN LISTS decls)
     string(REGEX MATCH "([A-Za-z_][A-Za-z0-9_]*)[ \t\n]*\\($" m "${decl}")
