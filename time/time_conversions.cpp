@@ -31,7 +31,12 @@ constexpr int kCumulative[2][13] = {
     {0, 31, 60, 91, 121, 152, 182, 213, 244, 274, 305, 335, 366},
 };
 
-const int kOffset1980 = TmGetTAIUTCOffset(1980, 1);
+// Looked up once, on first use, so that callers from static initialisers of
+// other files never see it unset.
+int offset1980() {
+    static const int offset = TmGetTAIUTCOffset(1980, 1);
+    return offset;
+}
 
 void fail(int *y, int *d, double *s) {
     if (y) *y = -1;
@@ -44,8 +49,8 @@ void fromEpoch(int epochYear, double seconds, int *y, int *d, double *s) {
     TmYDSplusS(epochYear, 1, 0.0, seconds, y, d, s);
     if (*y < 0) return;
     const int firstOffset = TmGetTAIUTCOffset(*y, *d);
-    *s += kOffset1980 - firstOffset;
-    if (*s < 0) TmYDSplusS(epochYear, 1, 0.0, seconds + kOffset1980 - firstOffset, y, d, s);
+    *s += offset1980() - firstOffset;
+    if (*s < 0) TmYDSplusS(epochYear, 1, 0.0, seconds + offset1980() - firstOffset, y, d, s);
 }
 
 }  // namespace
@@ -143,11 +148,11 @@ VELMIO_API double TmYDSminusYDS(int year1, int day1, double seconds1, int year2,
 }
 
 VELMIO_API double TmYDStoUTCs80(int year, int day, double seconds) {
-    return TmYDSminusYDS(1980, 1, 0.0, year, day, seconds) + (TmGetTAIUTCOffset(year, day) - kOffset1980);
+    return TmYDSminusYDS(1980, 1, 0.0, year, day, seconds) + (TmGetTAIUTCOffset(year, day) - offset1980());
 }
 
 VELMIO_API double TmYDStoUTCs70(int year, int day, double seconds) {
-    return TmYDSminusYDS(1970, 1, 0.0, year, day, seconds) + (TmGetTAIUTCOffset(year, day) - kOffset1980);
+    return TmYDSminusYDS(1970, 1, 0.0, year, day, seconds) + (TmGetTAIUTCOffset(year, day) - offset1980());
 }
 
 VELMIO_API void TmUTCs80toYDS(double utcs80, int *year, int *day, double *seconds) {

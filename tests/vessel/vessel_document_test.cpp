@@ -1,0 +1,339 @@
+#include <velmio/time_conversions.h>
+#include <velmio/vessel.hpp>
+
+#include "support/test_support.h"
+#include "vessel_test_support.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+using namespace velmio::test;
+
+namespace {
+// 2004-100 00:00:00, computed when called: the time conversions are not
+// ready during static initialisation of another file.
+double t0() { return TmYDStoUTCs80(2004, 100, 0.0); }
+
+// One entry of every kind, each with settings away from their defaults.
+void addEveryKind(VELMVessel &vessel) {
+    auto depth = std::make_shared<VELMDepthConfig>(t0());
+    depth->setSensorClass(L"Sweep");
+    depth->setMRUToBoomOffset(0.5, 0.25, 0.125);
+    VELMTransducerConfig t(1, 1);
+    t.setPositionOffset(1, 2, 3);
+    t.setSerialNumber(L"T1");
+    depth->addTransducer(t);
+    depth->addTransducer(VELMTransducerConfig(2, 101, false));
+    auto draft = std::make_shared<VELMDraftConfig>(t0());
+    draft->setDraft(3.0, 0.4);
+    auto gyro = std::make_shared<VELMGyroConfig>(t0());
+    gyro->setGyroOffset(2.0, 0.0);
+    gyro->setModel(L"G\u00fc");
+    auto heave = std::make_shared<VELMHeaveConfig>(t0());
+    heave->setHeaveOffset(0.3);
+    auto nav = std::make_shared<VELMNavConfig>(t0());
+    nav->setEllipseName(L"WGS84");
+    auto pitch = std::make_shared<VELMPitchConfig>(t0());
+    pitch->setPitchOffset(1.5);
+    auto roll = std::make_shared<VELMRollConfig>(t0());
+    roll->setRollOffset(-1.5);
+    auto svp = std::make_shared<VELMSVPConfig>(t0());
+    svp->setDualHead(true);
+    svp->setMountAngle(2, 1, 2, 3);
+    auto sideScan = std::make_shared<VELMSideScanConfig>(t0());
+    sideScan->setManufacturer(L"SS");
+    auto ssGyro = std::make_shared<VELMSideScanGyroConfig>(t0());
+    ssGyro->setGyroStdDev(0.05);
+    ssGyro->setGyroOffset(1.0, 180.0);
+    auto ssHeave = std::make_shared<VELMSideScanHeaveConfig>(t0());
+    ssHeave->setApplyFlag(true);
+    auto ssNav = std::make_shared<VELMSideScanNavConfig>(t0());
+    ssNav->setOffsets(4, 5, 6);
+    auto ssPitch = std::make_shared<VELMSideScanPitchConfig>(t0());
+    ssPitch->setPitchOffset(0.7);
+    auto ssRoll = std::make_shared<VELMSideScanRollConfig>(t0());
+    ssRoll->setRollOffset(0.8);
+    auto towed = std::make_shared<VELMTowedSSSConfig>(t0());
+    towed->setLayback(25.0);
+    auto tpe = std::make_shared<VELMTPEConfig>(t0());
+    tpe->setOffsetMRUToTrans(1, 2, 3, 4, 5, 6);
+    tpe->setMRUAlignmentStdDev(0.1, 0.2, 0.3);
+    tpe->setDeltaDraftStdDev(0.9);
+    tpe->setStDevComment(L"figures");
+    auto waterline = std::make_shared<VELMWaterlineHeight>(t0());
+    waterline->setWaterLine(1.75);
+    waterline->setAuthorization(L"chief");
+    for (std::shared_ptr<VELMVesselSensorConfig> e :
+         std::initializer_list<std::shared_ptr<VELMVesselSensorConfig>>{
+             waterline, tpe, towed, ssRoll, ssPitch, ssNav, ssHeave, ssGyro, sideScan, svp, roll, pitch, nav, heave,
+             gyro, draft, depth})
+        ASSERT_EQ(vessel.addSensor(e), 0);
+}
+
+std::unique_ptr<VELMVessel> open(const std::wstring &path, int &error) {
+    return std::make_unique<VELMVessel>(path.c_str(), error);
+}
+}  // namespace
+
+TEST(VesselDocument, EveryKindIsStoredWellFormedAndReadsBackUnchanged) {
+    TempDir dir;
+    VELMVessel vessel;
+    ASSERT_EQ(vessel.setFileName(dir.wfile("boat").c_str()), 0);
+    addEveryKind(vessel);
+    VELMVesselShape shape;
+    shape.addPlanViewCoord(0, 1);
+    shape.addProfileViewCoord(2, 3);
+    shape.setRP(30, 8, 4);
+    vessel.setVesselShape(shape);
+    ASSERT_EQ(vessel.store(), 0);
+    EXPECT_TRUE(vessel.isModified());
+
+    Doc parsed(xmlReadFile(dir.file("boat.tvc").c_str(), nullptr, XML_PARSE_NOERROR));
+    ASSERT_TRUE(parsed) << "not well-formed";
+    const std::string first = readText(dir.file("boat.tvc"));
+    EXPECT_EQ(first.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<VELMVesselConfig Version=\"2.0\">\n"
+                          "  <VesselShape>\n    <PlanCoordinates>\n      <Entry X=\"0.000000\" Y=\"1.000000\"/>\n",
+                          0),
+              0u);
+    // Lists in kind name order, code unit by code unit.
+    std::string order;
+    for (xmlNode *n = xmlDocGetRootElement(parsed.get())->children; n; n = n->next)
+        if (n->type == XML_ELEMENT_NODE) order += std::string(reinterpret_cast<const char *>(n->name)) + " ";
+    EXPECT_EQ(order,
+              "VesselShape DepthSensor DraftSensor GyroSensor HeaveSensor NavSensor PitchSensor RollSensor SVPSensor "
+              "SideScanGyroSensor SideScanHeaveSensor SideScanNavSensor SideScanPitchSensor SideScanRollSensor "
+              "SideScanSensor TPEConfiguration TowedSensor WaterlineHeight ");
+
+    // Everything read back writes the same bytes again: no setting is lost.
+    int error = -1;
+    auto back = open(dir.wfile("boat.tvc"), error);
+    ASSERT_EQ(error, 0);
+    EXPECT_FALSE(back->isModified());
+    EXPECT_EQ(back->getFileVersion(), 2.0f);
+    EXPECT_EQ(back->getSensors().size(), 17u);
+    ASSERT_EQ(back->setFileName(dir.wfile("copy.tvc").c_str()), 0);
+    ASSERT_EQ(back->store(), 0);
+    EXPECT_EQ(readText(dir.file("copy.tvc")), first);
+
+    auto gyro = back->getSensor<VELMGyroConfig>(t0(), error);
+    ASSERT_TRUE(gyro);
+    EXPECT_STREQ(gyro->getModel(), L"G\u00fc");
+    EXPECT_EQ(gyro->getGyroOffset(0.0), 2.0);
+    auto depth = back->getSensor<VELMDepthConfig>(t0(), error);
+    ASSERT_TRUE(depth);
+    ASSERT_EQ(depth->getNumTransducers(), 2u);
+    EXPECT_EQ(depth->getTransducer(1)->getStartBeam(), 101u);
+    double l, w, h;
+    back->getVesselShape().getRP(l, w, h);
+    EXPECT_EQ(w, 8.0);
+    EXPECT_EQ(back->getVesselShape().getPlanViewCoords().size(), 1u);
+}
+
+TEST(VesselDocument, HandWrittenMixedCaseDocumentReadsTheSameValues) {
+    TempDir dir;
+    writeText(dir.file("mixed.tvc"),
+              "<?xml version=\"1.0\"?>\n<velmvesselconfig VERSION=\"2.5\">\n"
+              "  <metadata><anything/></metadata>\n"
+              "  <heavesensor>\n"
+              "    <timestamp value=\"2004-100 00:00:00\">\n"
+              "      <OFFSETS x=\"1.5\" y=\"2\" Z=\"-3\" heave=\"0.5\"/>\n"
+              "      <applyflag Value=\"yes\"/>\n"
+              "    </timestamp>\n"
+              "  </heavesensor>\n"
+              "  <vesselshape><rp length=\"12\"/></vesselshape>\n"
+              "</velmvesselconfig>\n");
+    int error = -1;
+    auto vessel = open(dir.wfile("mixed.tvc"), error);
+    ASSERT_EQ(error, 0);
+    EXPECT_EQ(vessel->getFileVersion(), 2.5f);
+    auto heave = vessel->getSensor<VELMHeaveConfig>(t0(), error);
+    ASSERT_TRUE(heave);
+    double x, y, z;
+    heave->getOffsets(x, y, z);
+    EXPECT_EQ(x, 1.5);
+    EXPECT_EQ(y, 2.0);
+    EXPECT_EQ(z, -3.0);
+    EXPECT_EQ(heave->getHeaveOffset(), 0.5);
+    EXPECT_TRUE(heave->getApplyFlag());
+    double l, w, h;
+    vessel->getVesselShape().getRP(l, w, h);
+    EXPECT_EQ(l, 12.0);
+    // The list takes the registered name whatever the file's spelling.
+    ASSERT_EQ(vessel->getSensors().size(), 1u);
+    EXPECT_STREQ(vessel->getSensors()[0]->getName(), L"HeaveSensor");
+}
+
+TEST(VesselDocument, EntryIsValidFromItsTimeUntilTheNext) {
+    VELMVessel vessel;
+    ASSERT_EQ(vessel.addSensor(std::make_shared<VELMPitchConfig>(200.0)), 0);
+    ASSERT_EQ(vessel.addSensor(std::make_shared<VELMPitchConfig>(100.0)), 0);
+    int error = -1;
+    EXPECT_EQ(vessel.getSensor(L"PitchSensor", 50.0, error), nullptr);
+    EXPECT_EQ(error, 5100006);
+    const std::pair<double, double> cases[] = {{100, 100}, {150, 100}, {200, 200}, {10000, 200}};
+    for (auto [at, expected] : cases) {
+        auto e = vessel.getSensor(L"PitchSensor", at, error);
+        ASSERT_TRUE(e);
+        EXPECT_EQ(error, 0);
+        EXPECT_EQ(e->getTimeStamp(), expected) << at;
+    }
+    EXPECT_EQ(vessel.getSensor(L"RollSensor", 150.0, error), nullptr);
+    EXPECT_EQ(error, 5100003);
+    EXPECT_EQ(vessel.getFirstSensor<VELMPitchConfig>()->getTimeStamp(), 100.0);
+    EXPECT_EQ(vessel.getLastSensor<VELMPitchConfig>()->getTimeStamp(), 200.0);
+}
+
+TEST(VesselDocument, AddRetimeAndRemoveKeepOneEntryPerTime) {
+    VELMVessel vessel;
+    EXPECT_EQ(vessel.addSensor(nullptr), 5100007);
+    auto first = std::make_shared<VELMRollConfig>(100.0);
+    ASSERT_EQ(vessel.addSensor(first), 0);
+    EXPECT_EQ(vessel.addSensor(std::make_shared<VELMRollConfig>(100.0)), 5100008);
+    ASSERT_EQ(vessel.addSensor(std::make_shared<VELMRollConfig>(300.0)), 0);
+    VELMVesselSensorList *list = vessel.getSensorList<VELMRollConfig>();
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(list->getCount(), 2u);
+
+    ASSERT_EQ(list->updateTimeStamp(first.get(), 400.0), 0);  // moves after 300
+    EXPECT_EQ(list->getFirstConfig()->getTimeStamp(), 300.0);
+    EXPECT_EQ(list->getNextConfig(list->getFirstConfig().get()), first);
+    EXPECT_EQ(list->updateTimeStamp(first.get(), 300.0), 5100008);  // collides: dropped
+    EXPECT_EQ(list->getCount(), 1u);
+    EXPECT_EQ(list->updateTimeStamp(nullptr, 1.0), -1);
+
+    EXPECT_EQ(vessel.removeSensor(999.0, L"RollSensor"), 5100009);
+    EXPECT_EQ(vessel.removeSensor(300.0, L"HeaveSensor"), 5100003);
+    ASSERT_EQ(vessel.removeSensor(300.0, L"RollSensor"), 0);
+    EXPECT_EQ(vessel.getSensorList(L"RollSensor"), nullptr);  // emptied list goes
+    EXPECT_EQ(vessel.removeAllSensors(L"RollSensor"), 5100003);
+}
+
+TEST(VesselDocument, RemovingTheLastEntryOfAKindRemovesItsListFromTheFile) {
+    TempDir dir;
+    VELMVessel vessel;
+    vessel.setFileName(dir.wfile("boat.tvc").c_str());
+    vessel.addSensor(std::make_shared<VELMGyroConfig>(t0()));
+    vessel.addSensor(std::make_shared<VELMHeaveConfig>(t0()));
+    ASSERT_EQ(vessel.store(), 0);
+    ASSERT_NE(readText(dir.file("boat.tvc")).find("<GyroSensor>"), std::string::npos);
+    ASSERT_EQ(vessel.removeSensor(t0(), L"GyroSensor"), 0);
+    ASSERT_EQ(vessel.store(), 0);
+    const std::string text = readText(dir.file("boat.tvc"));
+    EXPECT_EQ(text.find("GyroSensor"), std::string::npos);
+    EXPECT_NE(text.find("<HeaveSensor>"), std::string::npos);
+}
+
+TEST(VesselDocument, OnlyTheFirstListOfAKindAndOfATimeIsKept) {
+    TempDir dir;
+    writeText(dir.file("twice.tvc"),
+              "<VELMVesselConfig Version=\"2.0\">"
+              "<HeaveSensor><TimeStamp value=\"2004-100 00:00:00\"><Offsets Heave=\"1\"/></TimeStamp>"
+              "<TimeStamp value=\"2004-100 00:00:00\"><Offsets Heave=\"9\"/></TimeStamp></HeaveSensor>"
+              "<HeaveSensor><TimeStamp value=\"2004-100 00:00:00\"><Offsets Heave=\"2\"/></TimeStamp></HeaveSensor>"
+              "<UnknownSensor><TimeStamp value=\"2004-100 00:00:00\"/></UnknownSensor>"
+              "</VELMVesselConfig>");
+    int error = -1;
+    auto vessel = open(dir.wfile("twice.tvc"), error);
+    ASSERT_EQ(error, 0);
+    ASSERT_EQ(vessel->getSensors().size(), 1u);
+    EXPECT_EQ(vessel->getSensors()[0]->getCount(), 1u);
+    EXPECT_EQ(vessel->getSensor<VELMHeaveConfig>(t0(), error)->getHeaveOffset(), 1.0);
+    ASSERT_EQ(vessel->store(), 0);
+    const std::string text = readText(dir.file("twice.tvc"));
+    EXPECT_EQ(text.find("Heave=\"2"), std::string::npos);
+    EXPECT_EQ(text.find("Heave=\"9"), std::string::npos);
+    EXPECT_EQ(text.find("UnknownSensor"), std::string::npos);
+}
+
+TEST(VesselDocument, FileNamesTakeTheTvcExtension) {
+    VELMVessel vessel;
+    ASSERT_EQ(vessel.setFileName(L"boat"), 0);
+    EXPECT_STREQ(vessel.getFileName(), L"boat.tvc");
+    ASSERT_EQ(vessel.setFileName(L"dir\\boat.TVC"), 0);
+    EXPECT_STREQ(vessel.getFileName(), L"dir\\boat.TVC");
+    EXPECT_EQ(vessel.setFileName(nullptr), 5100002);
+    EXPECT_STREQ(VELMVessel::getDefaultExtension(), L".tvc");
+    EXPECT_EQ(VELMVessel().store(), 5100002);
+}
+
+TEST(VesselDocument, BadDocumentsFailWithTheirCodes) {
+    TempDir dir;
+    const struct {
+        const char *name;
+        const char *text;
+        int error;
+    } cases[] = {
+        {"root", "<VesselConfig Version=\"2.0\"/>", 5100001},
+        {"noversion", "<VELMVesselConfig/>", 5100001},
+        {"emptyversion", "<VELMVesselConfig Version=\"\"/>", 5100001},
+        {"novalue", "<VELMVesselConfig Version=\"2\"><GyroSensor><TimeStamp/></GyroSensor></VELMVesselConfig>", -1},
+        {"badtime",
+         "<VELMVesselConfig Version=\"2\"><GyroSensor><TimeStamp value=\"2004-100 25:00:00\"/></GyroSensor>"
+         "</VELMVesselConfig>",
+         5100010},
+    };
+    for (const auto &c : cases) {
+        writeText(dir.file(std::string(c.name) + ".tvc"), c.text);
+        int error = 0;
+        testing::internal::CaptureStdout();
+        auto vessel = open(dir.wfile(std::string(c.name) + ".tvc"), error);
+        testing::internal::GetCapturedStdout();
+        EXPECT_EQ(error, c.error) << c.name;
+    }
+}
+
+TEST(VesselDocument, NonXmlFileGoesToTheVersion1Reader) {
+    TempDir dir;
+    writeText(dir.file("old.tvc"), "VESSEL old\nGYRO 0 0 0\n");
+    int error = 0;
+    testing::internal::CaptureStdout();
+    auto vessel = open(dir.wfile("old.tvc"), error);
+    const std::string out = testing::internal::GetCapturedStdout();
+    EXPECT_EQ(error, 5000401);
+    EXPECT_EQ(out.rfind(dir.file("old") + " is a Version 1 VCF file.  Attempting to load using Version 1 API\n", 0),
+              0u);
+    EXPECT_STREQ(vessel->getFileName(), dir.wfile("old.tvc").c_str());
+}
+
+TEST(VesselDocument, HostileDocumentsNeverCrash) {
+    TempDir dir;
+    std::string deep = "<VELMVesselConfig Version=\"2\"><GyroSensor>";
+    for (int i = 0; i < 20000; ++i) deep += "<a>";
+    writeText(dir.file("deep.tvc"), deep);
+    const std::string huge(2 * 1024 * 1024, 'c');
+    writeText(dir.file("huge.tvc"),
+              "<VELMVesselConfig Version=\"2\"><NavSensor><TimeStamp value=\"2004-100 00:00:00\">"
+              "<Comment value=\"" + huge + "\"/><Offsets X=\"1e999\" Y=\"nonsense\"/></TimeStamp></NavSensor>"
+              "</VELMVesselConfig>");
+    int error = 0;
+    testing::internal::CaptureStdout();
+    auto deepVessel = open(dir.wfile("deep.tvc"), error);
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(error, 5000401);  // libxml2 refuses the nesting: not XML
+
+    auto hugeVessel = open(dir.wfile("huge.tvc"), error);
+    ASSERT_EQ(error, 0);
+    auto nav = hugeVessel->getSensor<VELMNavConfig>(t0(), error);
+    ASSERT_TRUE(nav);
+    EXPECT_EQ(std::wcslen(nav->getComment()), huge.size());
+    double x, y, z;
+    nav->getOffsets(x, y, z);
+    EXPECT_EQ(y, 0.0);
+}
+
+TEST(VesselDocument, StoreThatCannotReplaceTheFileFailsAndLeavesNoTemporary) {
+    TempDir dir;
+    VELMVessel vessel;
+    vessel.addSensor(std::make_shared<VELMGyroConfig>(t0()));
+    testing::internal::CaptureStdout();
+    vessel.setFileName(dir.wfile("missing/boat.tvc").c_str());
+    EXPECT_EQ(vessel.store(), -1);
+    std::filesystem::create_directory(dir.file("taken.tvc"));  // a directory cannot be replaced by a file
+    vessel.setFileName(dir.wfile("taken.tvc").c_str());
+    EXPECT_EQ(vessel.store(), -1);
+    testing::internal::GetCapturedStdout();
+    int entries = 0;
+    for (const auto &e : std::filesystem::directory_iterator(dir.path())) entries += e.is_regular_file() ? 1 : 0;
+    EXPECT_EQ(entries, 0);
+}

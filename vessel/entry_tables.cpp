@@ -1,0 +1,354 @@
+// The settings of every entry kind and of the vessel shape, as tables of
+// element names in writing order, and the load and store of each class.
+#include <velmio/utils.hpp>
+#include <velmio/vessel.hpp>
+#include <velmio/vessel_entries.hpp>
+
+#include "vessel/field_table.h"
+#include "vessel/xml_access.h"
+
+#include <algorithm>
+
+namespace velmio::vessel {
+
+struct Tables {
+    template <class C>
+    using F = Field<C>;
+
+    static const Table<VELMVesselSensorConfig> &root() {
+        using R = VELMVesselSensorConfig;
+        static const Table<R> t = {
+            F<R>{"Comment", "value", &R::comment_},
+            F<R>{"Authorization", "value", &R::authorization_},
+            F<R>{"Latency", "value", &R::latency_},
+        };
+        return t;
+    }
+
+    template <class E>
+    static void identity(Table<E> &t) {
+        t.push_back(F<E>{"Manufacturer", "value", at<E>(&VELMSensorIdentity::manufacturer_)});
+        t.push_back(F<E>{"Model", "value", at<E>(&VELMSensorIdentity::model_)});
+        t.push_back(F<E>{"SerialNumber", "value", at<E>(&VELMSensorIdentity::serialNumber_)});
+    }
+
+    static const Table<VELMGyroOffset> &gyroRow() {
+        using G = VELMGyroOffset;
+        static const Table<G> t = {F<G>{"", "Azimuth", &G::azimuth}, F<G>{"", "Offset", &G::offset}};
+        return t;
+    }
+
+    template <class E>
+    static Table<E> gyro() {
+        Table<E> t;
+        identity(t);
+        t.push_back(F<E>{"ApplyFlag", "value", at<E>(&VELMGyroSettings::applyFlag_)});
+        t.push_back(rows<E, VELMGyroOffset>(
+            "Offsets/Gyro", "Entry", &VELMGyroSettings::gyroTable_,
+            +[](E &e, const VELMGyroOffset &row) { e.setGyroOffset(row.offset, row.azimuth); }, &gyroRow()));
+        return t;
+    }
+
+    template <class E>
+    static Table<E> heave() {
+        using S = VELMHeaveSettings;
+        Table<E> t;
+        identity(t);
+        t.push_back(F<E>{"ApplyFlag", "value", at<E>(&S::applyFlag_)});
+        t.push_back(F<E>{"Offsets", "X", at<E>(&S::x_)});
+        t.push_back(F<E>{"Offsets", "Y", at<E>(&S::y_)});
+        t.push_back(F<E>{"Offsets", "Z", at<E>(&S::z_)});
+        t.push_back(F<E>{"Offsets", "Heave", at<E>(&S::heave_)});
+        return t;
+    }
+
+    template <class E>
+    static Table<E> nav() {
+        using S = VELMNavSettings;
+        Table<E> t;
+        identity(t);
+        t.push_back(F<E>{"Ellipse", "value", at<E>(&S::ellipse_)});
+        t.push_back(F<E>{"Offsets", "X", at<E>(&S::x_)});
+        t.push_back(F<E>{"Offsets", "Y", at<E>(&S::y_)});
+        t.push_back(F<E>{"Offsets", "Z", at<E>(&S::z_)});
+        return t;
+    }
+
+    template <class E>
+    static Table<E> pitch() {
+        Table<E> t;
+        identity(t);
+        t.push_back(F<E>{"ApplyFlag", "value", at<E>(&VELMPitchSettings::applyFlag_)});
+        t.push_back(F<E>{"Offsets", "Pitch", at<E>(&VELMPitchSettings::pitch_)});
+        return t;
+    }
+
+    template <class E>
+    static Table<E> roll() {
+        Table<E> t;
+        identity(t);
+        t.push_back(F<E>{"ApplyFlag", "value", at<E>(&VELMRollSettings::applyFlag_)});
+        t.push_back(F<E>{"Offsets", "Roll", at<E>(&VELMRollSettings::roll_)});
+        return t;
+    }
+
+    static Table<VELMSideScanGyroConfig> sideScanGyro() {
+        using E = VELMSideScanGyroConfig;
+        Table<E> t = gyro<E>();
+        t.push_back(F<E>{"StdDev", "Gyro", &E::gyroStdDev_});
+        return t;
+    }
+
+    template <class E>
+    static Table<E> sideScan() {
+        Table<E> t;
+        identity(t);
+        return t;
+    }
+
+    static Table<VELMTowedSSSConfig> towed() {
+        using E = VELMTowedSSSConfig;
+        Table<E> t;
+        identity(t);
+        for (auto f : {F<E>{"Offsets", "X", &E::x_}, F<E>{"Offsets", "Y", &E::y_}, F<E>{"Offsets", "Z", &E::z_},
+                       F<E>{"Offsets", "Layback", &E::layback_}})
+            t.push_back(f);
+        return t;
+    }
+
+    static Table<VELMSVPConfig> svp() {
+        using E = VELMSVPConfig;
+        return {
+            F<E>{"DualHead", "value", &E::dualHead_},
+            F<E>{"Offsets", "X", &E::x_},           F<E>{"Offsets", "Y", &E::y_},
+            F<E>{"Offsets", "Z", &E::z_},           F<E>{"Offsets", "X2", &E::x2_},
+            F<E>{"Offsets", "Y2", &E::y2_},         F<E>{"Offsets", "Z2", &E::z2_},
+            F<E>{"MountAngle", "Pitch", &E::pitch_}, F<E>{"MountAngle", "Roll", &E::roll_},
+            F<E>{"MountAngle", "Azimuth", &E::azimuth_}, F<E>{"MountAngle", "Pitch2", &E::pitch2_},
+            F<E>{"MountAngle", "Roll2", &E::roll2_}, F<E>{"MountAngle", "Azimuth2", &E::azimuth2_},
+        };
+    }
+
+    static const Table<VELMTransducerConfig> &transducer() {
+        using T = VELMTransducerConfig;
+        static const Table<T> t = {
+            F<T>{"", "Number", &T::number_},
+            F<T>{"", "StartBeam", &T::startBeam_},
+            F<T>{"", "Model", &T::model_},
+            F<T>{"Manufacturer", "value", &T::manufacturer_},
+            F<T>{"SerialNumber", "value", &T::serialNumber_},
+            F<T>{"Offsets", "X", &T::x_},
+            F<T>{"Offsets", "Y", &T::y_},
+            F<T>{"Offsets", "Z", &T::z_},
+            F<T>{"Offsets", "Latency", &T::latency_},
+            F<T>{"MountAngle", "Pitch", &T::pitch_},
+            F<T>{"MountAngle", "Roll", &T::roll_},
+            F<T>{"MountAngle", "Azimuth", &T::azimuth_},
+            F<T>{"TransducerFixed", "value", &T::transducerFixed_, true},
+            F<T>{"SquatPercFactor", "value", &T::squatPercFactor_, true},
+            F<T>{"HeavePercAmplitude", "value", &T::heavePercAmplitude_, true},
+            F<T>{"MRUAlignment", "Gyro", &T::mruGyro_, true},
+            F<T>{"MRUAlignment", "Roll", &T::mruRoll_, true},
+        };
+        return t;
+    }
+
+    static Table<VELMDepthConfig> depth() {
+        using E = VELMDepthConfig;
+        return {
+            F<E>{"SensorClass", "value", &E::sensorClass_},
+            F<E>{"TPENavigationToBoomOffset", "X", &E::navX_, true},
+            F<E>{"TPENavigationToBoomOffset", "Y", &E::navY_, true},
+            F<E>{"TPENavigationToBoomOffset", "Z", &E::navZ_, true},
+            F<E>{"TPEMRUToBoomOffset", "X", &E::mruX_, true},
+            F<E>{"TPEMRUToBoomOffset", "Y", &E::mruY_, true},
+            F<E>{"TPEMRUToBoomOffset", "Z", &E::mruZ_, true},
+            rows<E, VELMTransducerConfig>(
+                "TransducerEntries", "Transducer", &E::transducers_,
+                +[](E &e, const VELMTransducerConfig &row) { e.transducers_.push_back(row); }, &transducer()),
+        };
+    }
+
+    static Table<VELMDraftConfig> draft() {
+        using E = VELMDraftConfig;
+        static const Table<VELMDraftEntry> row = {F<VELMDraftEntry>{"", "Speed", &VELMDraftEntry::speed},
+                                                  F<VELMDraftEntry>{"", "Draft", &VELMDraftEntry::draft}};
+        return {
+            F<E>{"ApplyFlag", "value", &E::applyFlag_},
+            rows<E, VELMDraftEntry>(
+                "DraftEntries", "Entry", &E::draftTable_,
+                +[](E &e, const VELMDraftEntry &r) { e.setDraft(r.speed, r.draft); }, &row),
+        };
+    }
+
+    static Table<VELMWaterlineHeight> waterline() {
+        using E = VELMWaterlineHeight;
+        return {
+            F<E>{"WaterLine", "value", &E::waterLine_},
+            F<E>{"ApplyFlag", "value", &E::applyFlag_},
+            F<E>{"StdDev", "Waterline", &E::waterlineStdDev_},
+        };
+    }
+
+    static Table<VELMTPEConfig> tpe() {
+        using E = VELMTPEConfig;
+        return {
+            F<E>{"Offsets/MRUtoTransducer", "X", &E::mruX_},
+            F<E>{"Offsets/MRUtoTransducer", "Y", &E::mruY_},
+            F<E>{"Offsets/MRUtoTransducer", "Z", &E::mruZ_},
+            F<E>{"Offsets/MRUtoTransducer", "X2", &E::mruX2_},
+            F<E>{"Offsets/MRUtoTransducer", "Y2", &E::mruY2_},
+            F<E>{"Offsets/MRUtoTransducer", "Z2", &E::mruZ2_},
+            F<E>{"Offsets/NavigationToTransducer", "X", &E::navX_},
+            F<E>{"Offsets/NavigationToTransducer", "Y", &E::navY_},
+            F<E>{"Offsets/NavigationToTransducer", "Z", &E::navZ_},
+            F<E>{"Offsets/NavigationToTransducer", "X2", &E::navX2_},
+            F<E>{"Offsets/NavigationToTransducer", "Y2", &E::navY2_},
+            F<E>{"Offsets/NavigationToTransducer", "Z2", &E::navZ2_},
+            F<E>{"Offsets/Transducer", "Roll", &E::transRoll_},
+            F<E>{"Offsets/Transducer", "Roll2", &E::transRoll2_},
+            F<E>{"Offsets/Navigation", "Latency", &E::navLatency_},
+            F<E>{"StandardDeviation/Motion", "Gyro", &E::sdGyro_},
+            F<E>{"StandardDeviation/Motion", "HeavePercAmplitude", &E::sdHeavePerc_},
+            F<E>{"StandardDeviation/Motion", "Heave", &E::sdHeave_},
+            F<E>{"StandardDeviation/Motion", "Roll", &E::sdRoll_},
+            F<E>{"StandardDeviation/Motion", "Pitch", &E::sdPitch_},
+            F<E>{"StandardDeviation/Motion", "PitchStablized", &E::sdPitchStab_},
+            F<E>{"StandardDeviation/Position", "Navigation", &E::sdNavigation_},
+            F<E>{"StandardDeviation/Timing", "Transducer", &E::tmTransducer_},
+            F<E>{"StandardDeviation/Timing", "Navigation", &E::tmNavigation_},
+            F<E>{"StandardDeviation/Timing", "Gyro", &E::tmGyro_},
+            F<E>{"StandardDeviation/Timing", "Heave", &E::tmHeave_},
+            F<E>{"StandardDeviation/Timing", "Pitch", &E::tmPitch_},
+            F<E>{"StandardDeviation/Timing", "Roll", &E::tmRoll_},
+            F<E>{"StandardDeviation/SoundVelocity", "Measured", &E::svMeasured_},
+            F<E>{"StandardDeviation/SoundVelocity", "Surface", &E::svSurface_},
+            F<E>{"StandardDeviation/Tide", "Measured", &E::tideMeasured_},
+            F<E>{"StandardDeviation/Tide", "Zoning", &E::tideZoning_},
+            F<E>{"StandardDeviation/Offsets", "X", &E::sdX_},
+            F<E>{"StandardDeviation/Offsets", "Y", &E::sdY_},
+            F<E>{"StandardDeviation/Offsets", "Z", &E::sdZ_},
+            F<E>{"StandardDeviation/MRUAlignment", "Gyro", &E::alignGyro_},
+            F<E>{"StandardDeviation/MRUAlignment", "Pitch", &E::alignPitch_},
+            F<E>{"StandardDeviation/MRUAlignment", "Roll", &E::alignRoll_},
+            F<E>{"StandardDeviation/Vessel", "Speed", &E::vSpeed_},
+            F<E>{"StandardDeviation/Vessel", "Loading", &E::vLoading_},
+            F<E>{"StandardDeviation/Vessel", "Draft", &E::vDraft_},
+            F<E>{"StandardDeviation/Vessel", "DeltaDraft", &E::vDeltaDraft_},
+            F<E>{"StDevComment", "value", &E::stDevComment_},
+        };
+    }
+
+    static const Table<VELMVesselShape> &shape() {
+        using S = VELMVesselShape;
+        using P = S::Coord;
+        static const Table<P> planRow = {F<P>{"", "X", &P::first}, F<P>{"", "Y", &P::second}};
+        static const Table<P> profileRow = {F<P>{"", "Y", &P::first}, F<P>{"", "Z", &P::second}};
+        static const Table<S> t = {
+            rows<S, P>(
+                "PlanCoordinates", "Entry", &S::plan_, +[](S &s, const P &p) { s.plan_.push_back(p); }, &planRow),
+            rows<S, P>(
+                "ProfileCoordinates", "Entry", &S::profile_,
+                +[](S &s, const P &p) { s.profile_.push_back(p); }, &profileRow),
+            F<S>{"RP", "Length", &S::length_},
+            F<S>{"RP", "Width", &S::width_},
+            F<S>{"RP", "Height", &S::height_},
+        };
+        return t;
+    }
+
+    // The root's part of an entry's load: the time, the root settings, and
+    // the binding to the element.
+    static int loadRoot(VELMVesselSensorConfig &entry, xmlNode *node) {
+        const auto text = attributeText(node, "value");
+        if (!text) return -1;
+        double time = 0.0;
+        if (int status = VELMIOUtils::decodeTime(text->c_str(), time)) return status;
+        entry.timeStamp_ = time;
+        loadItems(entry, node, root());
+        entry.node_ = node;
+        return 0;
+    }
+
+    static int storeRoot(VELMVesselSensorConfig &entry, xmlNode *parent) {
+        // An element of another document (the entry was moved) is left there.
+        if (entry.node_ && parent && entry.node_->doc != parent->doc) entry.node_ = nullptr;
+        if (!entry.node_) {
+            if (!parent) return -1;
+            entry.node_ = xmlNewChild(parent, nullptr, xml("TimeStamp"), nullptr);
+            if (!entry.node_) return -1;
+        }
+        char text[32];
+        if (formatTimeStamp(entry.timeStamp_, text, sizeof text) != 0) return -1;
+        if (!setAttribute(entry.node_, "value", text)) return -1;
+        return storeItems(entry, entry.node_, root(), true);
+    }
+
+    template <class E>
+    static int loadEntry(E &entry, xmlNode *node, const Table<E> &table) {
+        if (int status = entry.VELMVesselSensorConfig::load(node)) return status;
+        loadItems(entry, node, table);
+        return 0;
+    }
+
+    template <class E>
+    static int storeEntry(E &entry, xmlNode *parent, const Table<E> &table, bool sweep = true) {
+        if (int status = entry.VELMVesselSensorConfig::store(parent)) return status;
+        return storeItems(entry, entry.node_, table, sweep);
+    }
+};
+
+}  // namespace velmio::vessel
+
+using velmio::vessel::Tables;
+
+int VELMVesselSensorConfig::load(xmlNode *node) {
+    if (!node) return -1;
+    return Tables::loadRoot(*this, node);
+}
+
+int VELMVesselSensorConfig::store(xmlNode *parent) { return Tables::storeRoot(*this, parent); }
+
+// Each kind's table is built once, on first use.
+#define VELMIO_TABLE_ENTRY(Class, tableExpression, sweepExpression)                         \
+    namespace {                                                                             \
+    const velmio::vessel::Table<Class> &tableOf##Class() {                                  \
+        static const velmio::vessel::Table<Class> table = tableExpression;                  \
+        return table;                                                                       \
+    }                                                                                       \
+    }                                                                                       \
+    int Class::load(xmlNode *node) { return Tables::loadEntry(*this, node, tableOf##Class()); } \
+    int Class::store(xmlNode *parent) {                                                     \
+        return Tables::storeEntry(*this, parent, tableOf##Class(), sweepExpression);        \
+    }
+
+VELMIO_TABLE_ENTRY(VELMGyroConfig, Tables::gyro<VELMGyroConfig>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanGyroConfig, Tables::sideScanGyro(), true)
+VELMIO_TABLE_ENTRY(VELMHeaveConfig, Tables::heave<VELMHeaveConfig>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanHeaveConfig, Tables::heave<VELMSideScanHeaveConfig>(), true)
+VELMIO_TABLE_ENTRY(VELMNavConfig, Tables::nav<VELMNavConfig>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanNavConfig, Tables::nav<VELMSideScanNavConfig>(), true)
+VELMIO_TABLE_ENTRY(VELMPitchConfig, Tables::pitch<VELMPitchConfig>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanPitchConfig, Tables::pitch<VELMSideScanPitchConfig>(), true)
+VELMIO_TABLE_ENTRY(VELMRollConfig, Tables::roll<VELMRollConfig>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanRollConfig, Tables::roll<VELMSideScanRollConfig>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanConfig, Tables::sideScan<VELMSideScanConfig>(), true)
+VELMIO_TABLE_ENTRY(VELMTowedSSSConfig, Tables::towed(), true)
+VELMIO_TABLE_ENTRY(VELMSVPConfig, Tables::svp(), true)
+VELMIO_TABLE_ENTRY(VELMDepthConfig, Tables::depth(), isSweep())
+VELMIO_TABLE_ENTRY(VELMDraftConfig, Tables::draft(), true)
+VELMIO_TABLE_ENTRY(VELMWaterlineHeight, Tables::waterline(), true)
+VELMIO_TABLE_ENTRY(VELMTPEConfig, Tables::tpe(), true)
+
+int VELMVesselShape::load(xmlNode *shapeElement) {
+    if (!shapeElement) return -1;
+    plan_.clear();
+    profile_.clear();
+    velmio::vessel::loadItems(*this, shapeElement, Tables::shape());
+    return 0;
+}
+
+int VELMVesselShape::store(xmlNode *shapeElement) const {
+    if (!shapeElement) return -1;
+    return velmio::vessel::storeItems(*this, shapeElement, Tables::shape(), true);
+}

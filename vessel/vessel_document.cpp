@@ -1,0 +1,287 @@
+// The vessel configuration document: reading, the lists of entries, writing.
+#include <velmio/vessel.hpp>
+#include <velmio/vessel_queries.h>
+
+#include "foundation/diagnostics.h"
+#include "platform/files.h"
+#include "vessel/xml_access.h"
+
+#include <libxml/parser.h>
+#include <libxml/tree.h>
+
+#include <algorithm>
+#include <cwchar>
+
+namespace {
+constexpr int kNotVesselDocument = 5100001;
+constexpr int kNullFileName = 5100002;
+constexpr int kNoList = 5100003;
+constexpr int kNoDocument = 5100005;
+constexpr int kNullEntry = 5100007;
+
+template <class T>
+std::shared_ptr<VELMVesselSensorConfig> make() {
+    return std::make_shared<T>();
+}
+
+const struct {
+    const wchar_t *name;
+    std::shared_ptr<VELMVesselSensorConfig> (*create)();
+} kRegistry[] = {
+    {VELMDepthConfig::kSensorName, make<VELMDepthConfig>},
+    {VELMDraftConfig::kSensorName, make<VELMDraftConfig>},
+    {VELMGyroConfig::kSensorName, make<VELMGyroConfig>},
+    {VELMHeaveConfig::kSensorName, make<VELMHeaveConfig>},
+    {VELMNavConfig::kSensorName, make<VELMNavConfig>},
+    {VELMPitchConfig::kSensorName, make<VELMPitchConfig>},
+    {VELMRollConfig::kSensorName, make<VELMRollConfig>},
+    {VELMSVPConfig::kSensorName, make<VELMSVPConfig>},
+    {VELMSideScanConfig::kSensorName, make<VELMSideScanConfig>},
+    {VELMSideScanGyroConfig::kSensorName, make<VELMSideScanGyroConfig>},
+    {VELMSideScanHeaveConfig::kSensorName, make<VELMSideScanHeaveConfig>},
+    {VELMSideScanNavConfig::kSensorName, make<VELMSideScanNavConfig>},
+    {VELMSideScanPitchConfig::kSensorName, make<VELMSideScanPitchConfig>},
+    {VELMSideScanRollConfig::kSensorName, make<VELMSideScanRollConfig>},
+    {VELMTowedSSSConfig::kSensorName, make<VELMTowedSSSConfig>},
+    {VELMTPEConfig::kSensorName, make<VELMTPEConfig>},
+    {VELMWaterlineHeight::kSensorName, make<VELMWaterlineHeight>},
+};
+
+const wchar_t *registered(const wchar_t *name) {
+    if (!name) return nullptr;
+    const MORVAUString wanted(name);
+    for (const auto &row : kRegistry)
+        if (wanted.equalsIgnoreCase(row.name)) return row.name;
+    return nullptr;
+}
+
+// Keeps libxml2's "keep blanks" default of the caller while a file is parsed
+// without blank text between elements.
+class DropBlankText {
+public:
+    DropBlankText() : previous_(xmlKeepBlanksDefault(0)) {}
+    ~DropBlankText() { xmlKeepBlanksDefault(previous_); }
+    DropBlankText(const DropBlankText &) = delete;
+    DropBlankText &operator=(const DropBlankText &) = delete;
+
+private:
+    int previous_;
+};
+}  // namespace
+
+namespace VELM {
+const wchar_t *VesselRegistry::canonicalName(const wchar_t *listName) { return registered(listName); }
+
+std::shared_ptr<VELMVesselSensorConfig> VesselRegistry::create(const wchar_t *listName) {
+    const wchar_t *name = registered(listName);
+    for (const auto &row : kRegistry)
+        if (row.name == name) return row.create();
+    return nullptr;
+}
+
+std::size_t VesselRegistry::count() { return sizeof kRegistry / sizeof kRegistry[0]; }
+const wchar_t *VesselRegistry::name(std::size_t index) { return index < count() ? kRegistry[index].name : nullptr; }
+}  // namespace VELM
+
+VELMVessel::VELMVessel() = default;
+
+VELMVessel::VELMVessel(const wchar_t *fileName, int &error) {
+    error = setFileName(fileName);
+    if (error == 0) error = read();
+}
+
+VELMVessel::~VELMVessel() { releaseDocument(); }
+
+void VELMVessel::releaseDocument() {
+    // The document goes as a whole; entries kept by callers lose their binding.
+    for (auto &list : lists_) list->forgetNodes();
+    lists_.clear();
+    if (doc_) xmlFreeDoc(doc_);
+    doc_ = nullptr;
+}
+
+int VELMVessel::setFileName(const wchar_t *name, bool forgetDocument) {
+    if (!name) return kNullFileName;
+    MORVAUString file(name);
+    if (!file.endsWithIgnoreCase(getDefaultExtension())) file += getDefaultExtension();
+    fileName_ = file;
+    if (forgetDocument && doc_) {
+        for (auto &list : lists_) list->forgetNodes();
+        xmlFreeDoc(doc_);
+        doc_ = nullptr;
+    }
+    return 0;
+}
+
+bool VELMVessel::resolveVesselName(const wchar_t *name, MORVAUString &path) {
+    if (!name || !*name) return false;
+    if (velmio::platform::isRegularFile(name)) {
+        path = MORVAUString(name);
+        return true;
+    }
+    MORVAUString withExtension(name);
+    withExtension += getDefaultExtension();
+    if (velmio::platform::isRegularFile(withExtension.c_str())) {
+        path = withExtension;
+        return true;
+    }
+    return false;
+}
+
+int VELMVessel::read() {
+    releaseDocument();
+    shape_ = VELMVesselShape();
+    const MORVAUString heldName = fileName_;
+    MORVAUString resolved;
+    if (resolveVesselName(fileName_.c_str(), resolved)) fileName_ = resolved;
+    {
+        DropBlankText noBlanks;
+        doc_ = VELM::OpenXmlFile(fileName_.c_str());
+    }
+    if (!doc_) {
+        MORVAUString version1 = fileName_;
+        if (version1.endsWithIgnoreCase(getDefaultExtension()))
+            version1 = version1.substr(0, version1.length() - std::wcslen(getDefaultExtension()));
+        velmio::say("%s is a Version 1 VCF file.  Attempting to load using Version 1 API\n",
+                    velmio::printable(version1.c_str()).c_str());
+        const int status = VELMVesselImport(version1.c_str(), this);
+        fileName_ = heldName;
+        return status;
+    }
+    fileName_ = heldName;
+    return readDocument();
+}
+
+int VELMVessel::readDocument() {
+    xmlNode *root = xmlDocGetRootElement(doc_);
+    const auto version = velmio::vessel::attributeText(root, "Version");
+    if (!root || !velmio::vessel::sameName(root->name, "VELMVesselConfig") || !version || version->empty()) {
+        velmio::say("VELMVessel::read(): %s is not a vessel configuration document\n",
+                    velmio::printable(fileName_.c_str()).c_str());
+        xmlFreeDoc(doc_);
+        doc_ = nullptr;
+        return kNotVesselDocument;
+    }
+    fileVersion_ = static_cast<float>(velmio::vessel::parseReal(*version));
+
+    for (xmlNode *child = root->children; child;) {
+        xmlNode *next = child->next;  // an empty or repeated list leaves the document
+        if (child->type == XML_ELEMENT_NODE && !velmio::vessel::sameName(child->name, "EditHistory") &&
+            !velmio::vessel::sameName(child->name, "MetaData")) {
+            if (velmio::vessel::sameName(child->name, "VesselShape")) {
+                shape_.load(child);
+            } else {
+                const MORVAUString elementName = MORVAUString::fromUtf8(reinterpret_cast<const char *>(child->name));
+                const wchar_t *known = VELM::VesselRegistry::canonicalName(elementName.c_str());
+                auto list = std::make_unique<VELMVesselSensorList>(known ? known : elementName.c_str());
+                if (int status = list->load(child)) {
+                    list->forgetNodes();  // the document stays as read
+                    return status;
+                }
+                auto at = std::find_if(lists_.begin(), lists_.end(), [&](const auto &held) {
+                    return std::wcscmp(held->getName(), list->getName()) >= 0;
+                });
+                const bool repeated = at != lists_.end() && std::wcscmp((*at)->getName(), list->getName()) == 0;
+                if (repeated || list->empty()) {
+                    // Only the first list of a kind counts; the list's
+                    // destructor takes a repeated list out of the document.
+                    if (list->empty()) list->forgetNodes();
+                } else {
+                    lists_.insert(at, std::move(list));
+                }
+            }
+        }
+        child = next;
+    }
+    modified_ = false;
+    return 0;
+}
+
+int VELMVessel::store() {
+    if (fileName_.empty()) return kNullFileName;
+    if (!doc_) {
+        doc_ = VELM::CreateXmlFile(L"VELMVesselConfig", 2.0f);
+        if (!doc_) return kNoDocument;
+    }
+    xmlNode *root = xmlDocGetRootElement(doc_);
+    if (!root || !velmio::vessel::setAttribute(root, "Version", "2.0")) return kNoDocument;
+    if (shape_.store(VELM::CreateNode(root, L"VesselShape")) != 0) return -1;
+    for (auto &list : lists_)
+        if (int status = list->store(root)) return status;
+
+    // Written beside the target first, so that a failed write leaves the
+    // previous file intact.
+    const std::wstring temporary = velmio::platform::temporarySibling(fileName_.c_str());
+    if (temporary.empty()) return -1;
+    if (VELM::SaveXmlFile(doc_, temporary.c_str()) < 0 ||
+        !velmio::platform::renameFile(temporary.c_str(), fileName_.c_str())) {
+        velmio::platform::removeFile(temporary.c_str());
+        velmio::say("VELMVessel::store(): unable to write %s\n", velmio::printable(fileName_.c_str()).c_str());
+        return -1;
+    }
+    modified_ = true;
+    return 0;
+}
+
+VELMVesselSensorList *VELMVessel::findSensorList(const wchar_t *kind) const {
+    if (!kind) return nullptr;
+    const wchar_t *known = VELM::VesselRegistry::canonicalName(kind);
+    const wchar_t *wanted = known ? known : kind;
+    for (const auto &list : lists_)
+        if (std::wcscmp(list->getName(), wanted) == 0) return list.get();
+    return nullptr;
+}
+
+VELMVesselSensorList *VELMVessel::getSensorList(const wchar_t *kind) const { return findSensorList(kind); }
+
+VELMVesselSensorList *VELMVessel::addList(const wchar_t *kind) {
+    if (VELMVesselSensorList *held = findSensorList(kind)) return held;
+    const wchar_t *known = VELM::VesselRegistry::canonicalName(kind);
+    auto list = std::make_unique<VELMVesselSensorList>(known ? known : kind);
+    auto at = std::find_if(lists_.begin(), lists_.end(),
+                           [&](const auto &held) { return std::wcscmp(held->getName(), list->getName()) > 0; });
+    return lists_.insert(at, std::move(list))->get();
+}
+
+std::shared_ptr<VELMVesselSensorConfig> VELMVessel::getSensor(const wchar_t *kind, double time, int &error) const {
+    VELMVesselSensorList *list = findSensorList(kind);
+    if (!list) {
+        error = kNoList;
+        return nullptr;
+    }
+    return list->getConfig(time, error);
+}
+
+std::shared_ptr<VELMVesselSensorConfig> VELMVessel::getFirstSensor(const wchar_t *kind) const {
+    VELMVesselSensorList *list = findSensorList(kind);
+    return list ? list->getFirstConfig() : nullptr;
+}
+
+std::shared_ptr<VELMVesselSensorConfig> VELMVessel::getLastSensor(const wchar_t *kind) const {
+    VELMVesselSensorList *list = findSensorList(kind);
+    return list ? list->getLastConfig() : nullptr;
+}
+
+int VELMVessel::addSensor(std::shared_ptr<VELMVesselSensorConfig> entry) {
+    if (!entry) return kNullEntry;
+    const int status = addList(entry->getSensorName())->add(std::move(entry));
+    if (status == 0) modified_ = true;
+    return status;
+}
+
+int VELMVessel::removeSensor(double time, const wchar_t *kind) {
+    VELMVesselSensorList *list = findSensorList(kind);
+    if (!list) return kNoList;
+    if (int status = list->remove(time)) return status;
+    modified_ = true;
+    if (list->empty()) removeAllSensors(kind);
+    return 0;
+}
+
+int VELMVessel::removeAllSensors(const wchar_t *kind) {
+    VELMVesselSensorList *list = findSensorList(kind);
+    if (!list) return kNoList;
+    lists_.erase(std::find_if(lists_.begin(), lists_.end(), [&](const auto &held) { return held.get() == list; }));
+    modified_ = true;
+    return 0;
+}
