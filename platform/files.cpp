@@ -11,6 +11,7 @@
 #if defined(_WIN32)
 #include <direct.h>
 #include <io.h>
+#include <windows.h>
 #else
 #include <fcntl.h>
 #include <unistd.h>
@@ -71,7 +72,13 @@ bool removeFile(const wchar_t *path) {
 
 bool renameFile(const wchar_t *from, const wchar_t *to) {
     if (!from || !to) return false;
+#if defined(_WIN32)
+    // rename() never replaces an existing target there.
+    return MoveFileExW(fromUtf8(nativePath(from)).c_str(), fromUtf8(nativePath(to)).c_str(),
+                       MOVEFILE_REPLACE_EXISTING) != 0;
+#else
     return std::rename(nativePath(from).c_str(), nativePath(to).c_str()) == 0;
+#endif
 }
 
 bool makeDirectory(const wchar_t *path) {
