@@ -63,6 +63,7 @@ struct TOVO_Sensor {
     velmio::FamilyState *familyState = nullptr;  // owned
     std::wstring dataPath;
     std::FILE *dataFile = nullptr;
+    char *dataBuffer = nullptr;  // the data file's 64 KiB stdio buffer; freed after the file is closed
     std::wstring tracePath;  // ids 9 and 10 only
     std::FILE *traceFile = nullptr;
     velmio::xdr::XDR encodeStream;

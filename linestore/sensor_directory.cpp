@@ -10,11 +10,14 @@
 #include "platform/system_error.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cwchar>
 #include <new>
 
 namespace velmio {
 namespace {
+
+constexpr std::size_t kDataBufferSize = 64 * 1024;
 
 struct SensorEntry {
     std::uint32_t id;
@@ -114,14 +117,16 @@ extern "C" VELMIO_API TOVO_Sensor *SensorOpenDir(const wchar_t *lineDirectory, u
                                                 {5000046, 5000015, 5000016, 5000014, 5000025}, true, 5000025);
             return nullptr;
         }
-        // Sequential access should cost about one system call per 64 KiB.
-        std::setvbuf(data, nullptr, _IOFBF, 64 * 1024);
         auto *h = new (std::nothrow) TOVO_Sensor;
         if (!h) {
             // The files stay open here, as they always have.
             error = 5000009;
             return nullptr;
         }
+        // Sequential access should cost about one system call per 64 KiB;
+        // stdio ignores the size unless it is given the buffer itself.
+        h->dataBuffer = static_cast<char *>(std::malloc(kDataBufferSize));
+        if (h->dataBuffer) std::setvbuf(data, h->dataBuffer, _IOFBF, kDataBufferSize);
         h->typeId = recordedType(sensorTypeId);
         h->formatVersion = 1;
         h->accessMode = accessMode;
@@ -159,6 +164,8 @@ extern "C" VELMIO_API int SensorFree(TOVO_Sensor *handle) {
     handle->timeIndex.clear();
     std::free(handle->shadowChanged);
     std::free(handle->shadowStatus);
+    // Families close the data file before freeing the handle.
+    std::free(handle->dataBuffer);
     delete handle->familyState;
     delete handle;
     return 0;

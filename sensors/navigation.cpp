@@ -1,0 +1,472 @@
+// Navigation and its twin SSSNavigation: one implementation; the type each
+// accepts, its messages and its answers to a wrong handle are data.
+#include <velmio/encoding.h>
+#include <velmio/linestore.h>
+#include <velmio/navigation.h>
+
+#include "foundation/diagnostics.h"
+#include "foundation/wide_copy.h"
+#include "sensors/record_family.h"
+
+#include <new>
+
+namespace velmio {
+namespace {
+
+using namespace xdr;
+
+constexpr int kNullHandle = 5000112;
+constexpr int kWrongType = 5000113;
+
+constexpr SummaryField kSummary[] = {
+    {SummaryWord::Status, 0},        {SummaryWord::RecordCount, 0},       {SummaryWord::TimeScale, 0},
+    {SummaryWord::ReferenceTime, 0}, {SummaryWord::ExtentMin, 0},         {SummaryWord::ExtentMax, 0},
+    {SummaryWord::FamilyWord0, 0},   {SummaryWord::PositionScale, 0},     {SummaryWord::ReferenceLatitude, 0},
+    {SummaryWord::ExtentMin, 1},     {SummaryWord::ExtentMax, 1},         {SummaryWord::ReferenceLongitude, 0},
+    {SummaryWord::ExtentMin, 2},     {SummaryWord::ExtentMax, 2},
+};
+
+// The texts callers have always seen, trailing blanks included.
+constexpr const char *kSummaryMessages[] = {
+    "NavigationReadSummary(): unable to decode status \n",
+    "NavigationReadSummary(): unable to decode number of data samples \n",
+    "NavigationReadSummary(): unable to decode clock accuracy \n",
+    "NavigationReadSummary(): unable to decode reference time \n",
+    "NavigationReadSummary(): unable to decode min time \n",
+    "NavigationReadSummary(): unable to decode max time\n",
+    "NavigationReadSummary(): unable to decode coordinate type\n",
+    "NavigationReadSummary(): unable to decode position scale \n",
+    "NavigationReadSummary(): unable to decode reference latitude \n",
+    "NavigationReadSummary(): unable to decode min lat \n",
+    "NavigationReadSummary(): unable to decode max lat \n",
+    "NavigationReadSummary(): unable to decode reference longitude\n",
+    "NavigationReadSummary(): unable to decode min long \n",
+    "NavigationReadSummary(): unable to decode max long\n",
+};
+
+constexpr const char *kSegmentMessages[] = {
+    "NavigationReadLineSegmentFile(): could not decode line segment status\n",
+    "NavigationReadLineSegmentFile(): could not decode line segment source file name length\n",
+    "NavigationReadLineSegmentFile(): could not decode line segment source file name\n",
+    "NavigationReadLineSegmentFile(): could not decode line segment begin index\n",
+    "NavigationReadLineSegmentFile(): could not decode line segment end index\n",
+    "NavigationReadLineSegmentFile(): could not decode line segment min time\n",
+    "NavigationReadLineSegmentFile(): could not decode line segment max time\n",
+    "NavigationReadLineSegmentFile(): could not decode line segment min Latitude\n",
+    "NavigationReadLineSegmentFile(): could not decode line segment max Latitude\n",
+    "NavigationReadLineSegmentFile(): could not decode line segment min Longitude\n",
+    "NavigationReadLineSegmentFile(): could not decode line segment max Longitude\n",
+};
+
+// Both families print the open failures of the line segment file.
+constexpr platform::OpenFailureCodes kSegmentOpenCodes = {5000132, 5000133, 5000134, 5000135, 5000101};
+
+constexpr ExtentKind kKinds[kMaxExtents] = {ExtentKind::Time, ExtentKind::Latitude, ExtentKind::Longitude};
+
+const RecordFamily kNavigationRecords = {
+    1,
+    20,
+    14,
+    kSummary,
+    kSummaryMessages,
+    {3, {kKinds[0], kKinds[1], kKinds[2]}, 5000101, &kSegmentOpenCodes, 5000103, 5000102, 5000126,
+     "NavigationReadLineSegmentFile(): could not decode the data stream \n",
+     "NavigationReadLineSegmentFile(): could not allocate line segment\n",
+     "NavigationReadLineSegmentFile(): fclose() failed for line segment file \n", kSegmentMessages},
+    5000106,
+    "NavigationReadSummary(): could not validate header \n",
+    "NavigationReadSummary(): unable to decode header \n",
+    {"NavigationReadStatusShadow(): unable to allocate navigation sensor \n",
+     "NavigationReadStatusShadow(): could not map time to index\n", "NavigationReadStatusShadow(): fseek() failed\n",
+     "NavigationReadStatusShadow(): fread() failed\n", "NavigationReadStatusShadow(): initialization failed \n"},
+};
+
+// The twin reads its files with the same steps and codes, silently.
+const RecordFamily kSSSNavigationRecords = {
+    1,
+    20,
+    14,
+    kSummary,
+    nullptr,
+    {3, {kKinds[0], kKinds[1], kKinds[2]}, 5000101, &kSegmentOpenCodes, 5000103, 5000102, 5000126, nullptr,
+     nullptr, nullptr, nullptr},
+    5000106,
+    nullptr,
+    nullptr,
+    {nullptr, nullptr, nullptr, nullptr, nullptr},
+};
+
+enum Operation {
+    kClose,
+    kSummaryOp,
+    kLineSegment,
+    kRead,
+    kReadSeq,
+    kBgnSeqWriteSummary,
+    kBgnSeqWriteLineSegment,
+    kSeqWrite,
+    kEndSeqWriteLineSegment,
+    kEndSeqWriteSummary,
+    kSetSummaryStatus,
+    kSetLineSegmentStatus,
+    kGetRecordStatus,
+    kSetRecordStatus,
+    kSaveStatusToDisk,
+    kOperationCount
+};
+
+// The mode each operation needs.
+enum class Needs { Any, ReadOrUpdate, Query, Create, Update };
+constexpr Needs kNeeds[kOperationCount] = {
+    Needs::Any,    Needs::Any,    Needs::Any,    Needs::ReadOrUpdate, Needs::Query,
+    Needs::Create, Needs::Create, Needs::Create, Needs::Create,       Needs::Create,
+    Needs::Any,    Needs::Update, Needs::Update, Needs::Update,       Needs::Update,
+};
+
+// What an operation answers to a handle of another sensor type.
+struct WrongType {
+    const char *message;  // null: silent
+    int code;
+};
+
+struct NavigationFamily {
+    unsigned int typeId;
+    const wchar_t *stem;
+    const RecordFamily &records;
+    WrongType wrongType[kOperationCount];
+};
+
+const NavigationFamily kNavigation = {
+    3,
+    L"Navigation",
+    kNavigationRecords,
+    {
+        {"NavigationClose(): invalid sensor type\n", kWrongType},
+        {"NavigationSummary(): invalid sensor type \n", kWrongType},
+        {nullptr, kNullHandle},
+        {"NavigationRead(): invalid sensor type\n", kWrongType},
+        {"NavigationReadSeq(): invalid sensor type\n", kWrongType},
+        {"NavigationBgnSeqWriteSummary(): invalid sensor type\n", kWrongType},
+        {"NavigationBgnSeqWriteLineSegment(): invalid sensor type\n", kWrongType},
+        {"NavigationSeqWrite(): invalid sensor type\n", kWrongType},
+        {"NavigationEndWriteLineSegment(): invalid sensor type\n", kWrongType},
+        {"NavigationEndSeqWriteSummary(): invalid sensor type\n", kWrongType},
+        {"NavigationSetSummaryStatus(): invalid sensor type\n", kWrongType},
+        {"NavigationSetLineSegmentStatus(): invalid sensor type\n", kWrongType},
+        {"NavigationGetRecordStatus(): invalid sensor type\n", kWrongType},
+        {"NavigationSetRecordStatus(): invalid sensor type\n", kWrongType},
+        {nullptr, kNullHandle},
+    },
+};
+
+const NavigationFamily kSSSNavigation = {
+    12,
+    L"SSSNavigation",
+    kSSSNavigationRecords,
+    {
+        {nullptr, kWrongType},
+        {"SSSNavigationSummary(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationLineSegment(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationRead(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationReadSeq(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationBgnSeqWriteSummary(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationBgnSeqWriteLineSegment(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationSeqWrite(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationEndSeqWriteLineSegment(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationEndSeqWriteSummary(): invalid sensor type\n", kWrongType},
+        {nullptr, 5000122},
+        {"SSSNavigationSetLineSegmentStatus(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationGetRecordStatus(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationSetRecordStatus(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationSaveStatusToDisk(): invalid sensor type\n", kWrongType},
+    },
+};
+
+struct NavigationState : RecordState {
+    explicit NavigationState(const RecordFamily &f) : RecordState(f) {}
+};
+
+bool modeAllows(const TOVO_Sensor &h, Needs needs) {
+    switch (needs) {
+    case Needs::Any: return true;
+    case Needs::ReadOrUpdate: return !isCreate(h);
+    case Needs::Query: return h.accessMode == TOVO_ACCESS_QUERY;
+    case Needs::Create: return isCreate(h);
+    case Needs::Update: return isUpdate(h);
+    }
+    return false;
+}
+
+// The common checks, in their order: null handle, sensor type, access
+// mode, family state.
+int check(const NavigationFamily &f, Operation op, TOVO_Sensor *h, NavigationState *&state) {
+    if (!h) return kNullHandle;
+    if (h->typeId != f.typeId) {
+        if (f.wrongType[op].message) say("%s", f.wrongType[op].message);
+        return f.wrongType[op].code;
+    }
+    if (!modeAllows(*h, kNeeds[op])) return f.records.code(kWrongMode);
+    state = dynamic_cast<NavigationState *>(h->familyState);
+    return state ? 0 : kMissingOutput;
+}
+
+int decodeRecord(TOVO_Sensor &h, double *time, double *latitude, double *longitude, double *metres,
+                 unsigned int *status) {
+    XDR &x = h.decodeStream;
+    unsigned int word = 0;
+    int t = 0, lat = 0, lon = 0, m = 0;
+    if (!xdr_u_int(&x, &word) || !xdr_int(&x, &t) || !xdr_int(&x, &lat) || !xdr_int(&x, &lon) || !xdr_int(&x, &m))
+        return kNavigationRecords.code(kNotDecodable);
+    *time = TOVO_DecodeTime(h.referenceTime, h.timeScale, t);
+    *latitude = TOVO_DecodePosition(h.referenceLatitude, h.positionScale, lat);
+    *longitude = TOVO_DecodePosition(h.referenceLongitude, h.positionScale, lon);
+    *metres = TOVO_DecodeMeters(m);
+    *status = word;
+    return 0;
+}
+
+TOVO_Sensor *openDir(const NavigationFamily &f, const wchar_t *lineDirectory, const wchar_t *token, int *error) {
+    int scratch = 0;
+    int &rc = error ? *error : scratch;
+    TOVO_Sensor *h = SensorOpenDir(lineDirectory, f.typeId, token, &rc);
+    if (!h) return nullptr;
+    auto *state = new (std::nothrow) NavigationState(f.records);
+    if (!state) {
+        std::fclose(h->dataFile);
+        h->dataFile = nullptr;
+        SensorFree(h);
+        rc = kNoMemory;
+        return nullptr;
+    }
+    rc = openRecordFamily(h, state);
+    if (rc != 0) return nullptr;
+    if (isCreate(*h)) h->familyWords[0] = 1;  // the coordinate type of a writer that never sets one
+    return h;
+}
+
+int closeHandle(const NavigationFamily &f, TOVO_Sensor *h) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kClose, h, s)) return rc;
+    return closeRecordFamily(h, *s);
+}
+
+int summary(const NavigationFamily &f, TOVO_Sensor *h, unsigned int *segmentCount, unsigned int *recordCount,
+            unsigned int *coordinateType, double *minTime, double *maxTime, double *minLatitude,
+            double *maxLatitude, double *minLongitude, double *maxLongitude, unsigned int *summaryStatus) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kSummaryOp, h, s)) return rc;
+    if (segmentCount) *segmentCount = h->segmentCount;
+    if (recordCount) *recordCount = h->recordCount;
+    if (coordinateType) *coordinateType = h->familyWords[0];
+    if (minTime) *minTime = h->extents[0].min;
+    if (maxTime) *maxTime = h->extents[0].max;
+    if (minLatitude) *minLatitude = h->extents[1].min;
+    if (maxLatitude) *maxLatitude = h->extents[1].max;
+    if (minLongitude) *minLongitude = h->extents[2].min;
+    if (maxLongitude) *maxLongitude = h->extents[2].max;
+    if (summaryStatus) *summaryStatus = h->summaryStatus;
+    return 0;
+}
+
+int lineSegment(const NavigationFamily &f, TOVO_Sensor *h, int n, wchar_t **name, unsigned int *beginIndex,
+                unsigned int *endIndex, double *minTime, double *maxTime, double *minLatitude, double *maxLatitude,
+                double *minLongitude, double *maxLongitude, unsigned int *status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kLineSegment, h, s)) return rc;
+    if (!name || !beginIndex || !endIndex || !minTime || !maxTime || !minLatitude || !maxLatitude ||
+        !minLongitude || !maxLongitude || !status)
+        return kMissingOutput;
+    const _TOVO_LnSeg *seg = LnSegIndexSearch(h, n);
+    if (!seg) return f.records.code(kNoSegment);
+    wchar_t *copy = mallocWideCopy(seg->name);
+    if (!copy) return kNoMemory;
+    *name = copy;
+    *beginIndex = seg->firstRecord;
+    *endIndex = seg->lastRecord;
+    *minTime = seg->extents[0].min;
+    *maxTime = seg->extents[0].max;
+    *minLatitude = seg->extents[1].min;
+    *maxLatitude = seg->extents[1].max;
+    *minLongitude = seg->extents[2].min;
+    *maxLongitude = seg->extents[2].max;
+    *status = seg->status;
+    return 0;
+}
+
+int readAt(const NavigationFamily &f, TOVO_Sensor *h, unsigned int n, double *time, double *latitude,
+         double *longitude, double *metres, unsigned int *status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kRead, h, s)) return rc;
+    if (!time || !latitude || !longitude || !metres || !status) return kMissingOutput;
+    if (n < 1 || n > h->recordCount) return f.records.code(kOutOfRange);
+    if (int rc = readRecordAt(*h, *s, n)) return rc;
+    if (int rc = decodeRecord(*h, time, latitude, longitude, metres, status)) return rc;
+    // Unsaved edits are what an editor must see.
+    if (isUpdate(*h)) *status = h->shadowStatus[n];
+    return 0;
+}
+
+int readSeq(const NavigationFamily &f, TOVO_Sensor *h, double *time, double *latitude, double *longitude,
+            double *metres, unsigned int *status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kReadSeq, h, s)) return rc;
+    if (!time || !latitude || !longitude || !metres || !status) return kMissingOutput;
+    if (int rc = readNextRecord(*h, *s)) return rc;
+    return decodeRecord(*h, time, latitude, longitude, metres, status);
+}
+
+int bgnSeqWriteSummary(const NavigationFamily &f, TOVO_Sensor *h, unsigned int coordinateType) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kBgnSeqWriteSummary, h, s)) return rc;
+    h->familyWords[0] = coordinateType;
+    return 0;
+}
+
+int bgnSeqWriteLineSegment(const NavigationFamily &f, TOVO_Sensor *h, const wchar_t *sourceName) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kBgnSeqWriteLineSegment, h, s)) return rc;
+    return beginLineSegment(*h, f.records, sourceName);
+}
+
+int seqWrite(const NavigationFamily &f, TOVO_Sensor *h, double time, double latitude, double longitude,
+             double metres, unsigned int status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kSeqWrite, h, s)) return rc;
+    if (h->firstRecordPending) {
+        h->referenceTime = TOVO_EncodeRefTime(time);
+        h->referenceLatitude = TOVO_EncodeRefPosition(latitude);
+        h->referenceLongitude = TOVO_EncodeRefPosition(longitude);
+        h->firstRecordPending = 0;
+    }
+    // Counted before anything can fail: a failed write still counts.
+    ++h->recordCount;
+    int t = TOVO_EncodeTime(time, h->referenceTime, h->timeScale);
+    int lat = TOVO_EncodePosition(latitude, h->referenceLatitude, h->positionScale);
+    int lon = TOVO_EncodePosition(longitude, h->referenceLongitude, h->positionScale);
+    int m = TOVO_EncodeMeters(metres);
+    if (int rc = beginRecord(*h, *s, t)) return rc;
+    XDR &x = h->encodeStream;
+    if (!xdr_u_int(&x, &status) || !xdr_int(&x, &t) || !xdr_int(&x, &lat) || !xdr_int(&x, &lon) || !xdr_int(&x, &m))
+        return f.records.code(kNotEncodable);
+    if (int rc = finishRecord(*h, *s)) return rc;
+    const double values[3] = {time, latitude, longitude};
+    widenExtents(*h, values, 3);
+    ++s->written;
+    s->needsSeek = 1;
+    return 0;
+}
+
+int endSeqWriteLineSegment(const NavigationFamily &f, TOVO_Sensor *h, unsigned int status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kEndSeqWriteLineSegment, h, s)) return rc;
+    return endLineSegment(*h, f.records, status);
+}
+
+int endSeqWriteSummary(const NavigationFamily &f, TOVO_Sensor *h, unsigned int status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kEndSeqWriteSummary, h, s)) return rc;
+    h->summaryStatus = status;
+    return 0;
+}
+
+int setSummaryStatus(const NavigationFamily &f, TOVO_Sensor *h, unsigned int status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kSetSummaryStatus, h, s)) return rc;
+    h->summaryStatus = status;
+    return 0;
+}
+
+int setLineSegmentStatusOf(const NavigationFamily &f, TOVO_Sensor *h, int n, unsigned int status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kSetLineSegmentStatus, h, s)) return rc;
+    return setLineSegmentStatus(*h, f.records, n, status);
+}
+
+int getRecordStatus(const NavigationFamily &f, TOVO_Sensor *h, unsigned int n, unsigned int *status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kGetRecordStatus, h, s)) return rc;
+    if (!status) return kMissingOutput;
+    if (n < 1 || n > h->recordCount || !h->shadowStatus) return f.records.code(kOutOfRange);
+    *status = h->shadowStatus[n];
+    return 0;
+}
+
+int setRecordStatusOf(const NavigationFamily &f, TOVO_Sensor *h, unsigned int n, unsigned int status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kSetRecordStatus, h, s)) return rc;
+    return setRecordStatus(*h, f.records, n, status);
+}
+
+int saveStatus(const NavigationFamily &f, TOVO_Sensor *h) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kSaveStatusToDisk, h, s)) return rc;
+    return saveStatusToDisk(*h, *s);
+}
+
+}  // namespace
+}  // namespace velmio
+
+using namespace velmio;
+
+// The exported functions of both families, made from one list.
+#define VELMIO_NAVIGATION_FAMILY(P, F)                                                                           \
+    extern "C" VELMIO_API TOVO_Sensor *P##OpenDir(const wchar_t *lineDirectory, const wchar_t *token, int *error) { \
+        return openDir(F, lineDirectory, token, error);                                                          \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##Close(TOVO_Sensor *h) { return closeHandle(F, h); }                              \
+    extern "C" VELMIO_API int P##Summary(TOVO_Sensor *h, unsigned int *segmentCount, unsigned int *recordCount,  \
+                                         unsigned int *coordinateType, double *minTime, double *maxTime,        \
+                                         double *minLat, double *maxLat, double *minLon, double *maxLon,        \
+                                         unsigned int *summaryStatus) {                                         \
+        return summary(F, h, segmentCount, recordCount, coordinateType, minTime, maxTime, minLat, maxLat,        \
+                       minLon, maxLon, summaryStatus);                                                           \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##LineSegment(TOVO_Sensor *h, int n, wchar_t **name, unsigned int *begin,         \
+                                             unsigned int *end, double *minTime, double *maxTime, double *minLat, \
+                                             double *maxLat, double *minLon, double *maxLon,                    \
+                                             unsigned int *status) {                                            \
+        return lineSegment(F, h, n, name, begin, end, minTime, maxTime, minLat, maxLat, minLon, maxLon, status); \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##Read(TOVO_Sensor *h, unsigned int n, double *time, double *lat, double *lon,    \
+                                      double *metres, unsigned int *status) {                                   \
+        return readAt(F, h, n, time, lat, lon, metres, status);                                                  \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##ReadSeq(TOVO_Sensor *h, double *time, double *lat, double *lon, double *metres, \
+                                         unsigned int *status) {                                                \
+        return readSeq(F, h, time, lat, lon, metres, status);                                                    \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##BgnSeqWriteSummary(TOVO_Sensor *h, unsigned int coordinateType) {               \
+        return bgnSeqWriteSummary(F, h, coordinateType);                                                         \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##BgnSeqWriteLineSegment(TOVO_Sensor *h, const wchar_t *sourceName) {             \
+        return bgnSeqWriteLineSegment(F, h, sourceName);                                                         \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##SeqWrite(TOVO_Sensor *h, double time, double lat, double lon, double metres,    \
+                                          unsigned int status) {                                                \
+        return seqWrite(F, h, time, lat, lon, metres, status);                                                   \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##EndSeqWriteLineSegment(TOVO_Sensor *h, unsigned int status) {                   \
+        return endSeqWriteLineSegment(F, h, status);                                                             \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##EndSeqWriteSummary(TOVO_Sensor *h, unsigned int status) {                       \
+        return endSeqWriteSummary(F, h, status);                                                                 \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##SetSummaryStatus(TOVO_Sensor *h, unsigned int status) {                         \
+        return setSummaryStatus(F, h, status);                                                                   \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##SetLineSegmentStatus(TOVO_Sensor *h, int n, unsigned int status) {              \
+        return setLineSegmentStatusOf(F, h, n, status);                                                          \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##GetRecordStatus(TOVO_Sensor *h, unsigned int n, unsigned int *status) {         \
+        return getRecordStatus(F, h, n, status);                                                                 \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##SetRecordStatus(TOVO_Sensor *h, unsigned int n, unsigned int status) {          \
+        return setRecordStatusOf(F, h, n, status);                                                               \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##SaveStatusToDisk(TOVO_Sensor *h) { return saveStatus(F, h); }                    \
+    extern "C" VELMIO_API int P##RemoveDir(const wchar_t *lineDirectory) {                                       \
+        return SensorRemoveDir(lineDirectory, F.stem);                                                           \
+    }
+
+VELMIO_NAVIGATION_FAMILY(Navigation, kNavigation)
+VELMIO_NAVIGATION_FAMILY(SSSNavigation, kSSSNavigation)

@@ -1,0 +1,254 @@
+// The simple sensor: one value against time, the implementation of the
+// fourteen families of simple_families.h.
+#include <velmio/encoding.h>
+#include <velmio/linestore.h>
+#include <velmio/simple_sensor.h>
+
+#include "foundation/wide_copy.h"
+#include "sensors/record_family.h"
+#include "sensors/simple_families.h"
+
+#include <new>
+
+namespace velmio {
+namespace {
+
+using namespace xdr;
+
+constexpr int kNullHandle = 5000019;
+constexpr int kUnknownType = 5000022;
+
+constexpr SummaryField kSummary[] = {
+    {SummaryWord::Status, 0},    {SummaryWord::RecordCount, 0}, {SummaryWord::TimeScale, 0},
+    {SummaryWord::ReferenceTime, 0}, {SummaryWord::ExtentMin, 0}, {SummaryWord::ExtentMax, 0},
+    {SummaryWord::ExtentMin, 1}, {SummaryWord::ExtentMax, 1},
+};
+
+// The simple sensor prints no messages of its own.
+const RecordFamily kSimple = {
+    12,
+    12,
+    8,
+    kSummary,
+    nullptr,
+    {2, {ExtentKind::Time, ExtentKind::Value}, 5028600, nullptr, 5001203, 5001202, 5001226, nullptr, nullptr,
+     nullptr, nullptr},
+    0,  // a bad validation record reports the record's own code, 5000027
+    nullptr,
+    nullptr,
+    {nullptr, nullptr, nullptr, nullptr, nullptr},
+};
+
+struct SimpleSensorState : RecordState {
+    SimpleSensorState() : RecordState(kSimple) {}
+};
+
+bool isSimpleType(unsigned int typeId) {
+#define VELMIO_SIMPLE_ID(P, ID, KIND) \
+    if (typeId == ID) return true;
+    VELMIO_SIMPLE_FAMILIES(VELMIO_SIMPLE_ID)
+#undef VELMIO_SIMPLE_ID
+    return false;
+}
+
+// The checks at the head of every operation: 0 and the state, or the code.
+int check(TOVO_Sensor *h, SimpleSensorState *&state) {
+    if (!h) return kNullHandle;
+    state = dynamic_cast<SimpleSensorState *>(h->familyState);
+    return state ? 0 : kMissingOutput;
+}
+
+int decodeRecord(TOVO_Sensor &h, double *time, double *value, unsigned int *status) {
+    unsigned int word = 0;
+    int t = 0, v = 0;
+    if (!xdr_u_int(&h.decodeStream, &word) || !xdr_int(&h.decodeStream, &t) || !xdr_int(&h.decodeStream, &v))
+        return kSimple.code(kNotDecodable);
+    if (time) *time = TOVO_DecodeTime(h.referenceTime, h.timeScale, t);
+    if (value) *value = h.decodeValue(v);
+    *status = word;
+    return 0;
+}
+
+}  // namespace
+}  // namespace velmio
+
+using namespace velmio;
+
+extern "C" VELMIO_API TOVO_Sensor *SimpleSensorOpen(const wchar_t *lineDirectory, const wchar_t *accessToken,
+                                                    unsigned int typeId, int encodingKind, int *error) {
+    int scratch = 0;
+    int &rc = error ? *error : scratch;
+    // Refused before the open, so that a create never truncates for nothing.
+    if (!isSimpleType(typeId)) {
+        rc = kUnknownType;
+        return nullptr;
+    }
+    if (encodingKind != SIMPLE_SENSOR_METRES && encodingKind != SIMPLE_SENSOR_RADIANS) {
+        rc = kMissingOutput;
+        return nullptr;
+    }
+    TOVO_Sensor *h = SensorOpenDir(lineDirectory, typeId, accessToken, &rc);
+    if (!h) return nullptr;
+    if (encodingKind == SIMPLE_SENSOR_RADIANS) {
+        h->encodeValue = TOVO_EncodeRadians;
+        h->decodeValue = TOVO_DecodeRadians;
+    } else {
+        h->encodeValue = TOVO_EncodeMeters;
+        h->decodeValue = TOVO_DecodeMeters;
+    }
+    auto *state = new (std::nothrow) SimpleSensorState;
+    if (!state) {
+        std::fclose(h->dataFile);
+        h->dataFile = nullptr;
+        SensorFree(h);
+        rc = kNoMemory;
+        return nullptr;
+    }
+    rc = openRecordFamily(h, state);
+    return rc == 0 ? h : nullptr;
+}
+
+extern "C" VELMIO_API int SimpleSensorSummary(TOVO_Sensor *h, unsigned int *segmentCount, unsigned int *recordCount,
+                                              double *minTime, double *maxTime, double *minValue, double *maxValue,
+                                              unsigned int *summaryStatus) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (segmentCount) *segmentCount = h->segmentCount;
+    if (recordCount) *recordCount = h->recordCount;
+    if (minTime) *minTime = h->extents[0].min;
+    if (maxTime) *maxTime = h->extents[0].max;
+    if (minValue) *minValue = h->extents[1].min;
+    if (maxValue) *maxValue = h->extents[1].max;
+    if (summaryStatus) *summaryStatus = h->summaryStatus;
+    return 0;
+}
+
+extern "C" VELMIO_API int SimpleSensorLineSegment(TOVO_Sensor *h, int n, wchar_t **name, unsigned int *firstRecord,
+                                                  unsigned int *lastRecord, double *minTime, double *maxTime,
+                                                  double *minValue, double *maxValue, unsigned int *status) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (!name || !status) return kMissingOutput;
+    const _TOVO_LnSeg *seg = LnSegIndexSearch(h, n);
+    if (!seg) return kSimple.code(kNoSegment);
+    wchar_t *copy = mallocWideCopy(seg->name);
+    if (!copy) return kNoMemory;
+    *name = copy;
+    if (firstRecord) *firstRecord = seg->firstRecord;
+    if (lastRecord) *lastRecord = seg->lastRecord;
+    if (minTime) *minTime = seg->extents[0].min;
+    if (maxTime) *maxTime = seg->extents[0].max;
+    if (minValue) *minValue = seg->extents[1].min;
+    if (maxValue) *maxValue = seg->extents[1].max;
+    *status = seg->status;
+    return 0;
+}
+
+extern "C" VELMIO_API int SimpleSensorRead(TOVO_Sensor *h, unsigned int n, double *time, double *value,
+                                           unsigned int *status) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (isCreate(*h)) return kSimple.code(kWrongMode);
+    if (!status) return kMissingOutput;
+    if (n < 1 || n > h->recordCount) return kSimple.code(kOutOfRange);
+    if (int rc = readRecordAt(*h, *s, n)) return rc;
+    if (int rc = decodeRecord(*h, time, value, status)) return rc;
+    // Unsaved edits are what an editor must see.
+    if (isUpdate(*h)) *status = h->shadowStatus[n];
+    return 0;
+}
+
+extern "C" VELMIO_API int SimpleSensorReadSeq(TOVO_Sensor *h, double *time, double *value, unsigned int *status) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (h->accessMode != TOVO_ACCESS_QUERY) return kSimple.code(kWrongMode);
+    if (!status) return kMissingOutput;
+    if (int rc = readNextRecord(*h, *s)) return rc;
+    return decodeRecord(*h, time, value, status);
+}
+
+extern "C" VELMIO_API int SimpleSensorBgnSeqWriteSummary(TOVO_Sensor *h) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    return isCreate(*h) ? 0 : kSimple.code(kWrongMode);
+}
+
+extern "C" VELMIO_API int SimpleSensorBgnSeqWriteLineSegment(TOVO_Sensor *h, const wchar_t *sourceName) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    return beginLineSegment(*h, kSimple, sourceName);
+}
+
+extern "C" VELMIO_API int SimpleSensorSeqWrite(TOVO_Sensor *h, double time, double value, unsigned int status) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (!isCreate(*h)) return kSimple.code(kWrongMode);
+    if (h->firstRecordPending) {
+        h->referenceTime = TOVO_EncodeRefTime(time);
+        h->firstRecordPending = 0;
+    }
+    // Counted before anything can fail: a failed write still counts.
+    ++h->recordCount;
+    int t = TOVO_EncodeTime(time, h->referenceTime, h->timeScale);
+    int v = h->encodeValue(value);
+    if (int rc = beginRecord(*h, *s, t)) return rc;
+    if (!xdr_u_int(&h->encodeStream, &status) || !xdr_int(&h->encodeStream, &t) || !xdr_int(&h->encodeStream, &v))
+        return kSimple.code(kNotEncodable);
+    if (int rc = finishRecord(*h, *s)) return rc;
+    const double values[2] = {time, value};
+    widenExtents(*h, values, 2);
+    ++s->written;
+    s->needsSeek = 1;
+    return 0;
+}
+
+extern "C" VELMIO_API int SimpleSensorEndSeqWriteLineSegment(TOVO_Sensor *h, unsigned int status) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    return endLineSegment(*h, kSimple, status);
+}
+
+extern "C" VELMIO_API int SimpleSensorEndSeqWriteSummary(TOVO_Sensor *h, unsigned int status) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (!isCreate(*h)) return kSimple.code(kWrongMode);
+    h->summaryStatus = status;
+    return 0;
+}
+
+extern "C" VELMIO_API int SimpleSensorSetSummaryStatus(TOVO_Sensor *h, unsigned int status) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    h->summaryStatus = status;
+    return 0;
+}
+
+extern "C" VELMIO_API int SimpleSensorSetLineSegmentStatus(TOVO_Sensor *h, int n, unsigned int status) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    return setLineSegmentStatus(*h, kSimple, n, status);
+}
+
+extern "C" VELMIO_API int SimpleSensorSetRecordStatus(TOVO_Sensor *h, unsigned int n, unsigned int status) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    return setRecordStatus(*h, kSimple, n, status);
+}
+
+extern "C" VELMIO_API int SimpleSensorSaveStatusToDisk(TOVO_Sensor *h) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (!isUpdate(*h)) return kSimple.code(kWrongMode);
+    return saveStatusToDisk(*h, *s);
+}
+
+extern "C" VELMIO_API int SimpleSensorClose(TOVO_Sensor *h) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    return closeRecordFamily(h, *s);
+}
+
+extern "C" VELMIO_API int SimpleSensorRemoveDir(const wchar_t *lineDirectory, unsigned int typeId) {
+    if (!isSimpleType(typeId)) return kUnknownType;
+    return SensorRemoveDir(lineDirectory, sensorName(typeId));
+}

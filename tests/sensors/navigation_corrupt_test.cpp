@@ -1,0 +1,142 @@
+#include <velmio/navigation.h>
+#include <velmio/simple_sensor.h>
+
+#include "tests/sensors/simple_sensor_helpers.h"
+
+#include <string>
+
+using namespace velmio::test;
+using ::testing::internal::CaptureStdout;
+using ::testing::internal::GetCapturedStdout;
+
+namespace {
+
+// One fix of each family in its own line directory.
+void writeLine(const TempDir &dir, bool sss) {
+    int error = -1;
+    auto openDir = sss ? SSSNavigationOpenDir : NavigationOpenDir;
+    TOVO_Sensor *h = openDir(dir.wpath().c_str(), L"create", &error);
+    ASSERT_NE(h, nullptr);
+    (sss ? SSSNavigationBgnSeqWriteLineSegment : NavigationBgnSeqWriteLineSegment)(h, L"s");
+    ASSERT_EQ((sss ? SSSNavigationSeqWrite : NavigationSeqWrite)(h, 5.0, 0.5, 0.25, 1.0, 2), 0);
+    (sss ? SSSNavigationEndSeqWriteLineSegment : NavigationEndSeqWriteLineSegment)(h, 0);
+    ASSERT_EQ((sss ? SSSNavigationClose : NavigationClose)(h), 0);
+}
+
+// The code of opening (and reading record 1 of) a line, and what was printed.
+std::pair<int, std::string> openAndRead(const TempDir &dir, bool sss, const wchar_t *mode) {
+    CaptureStdout();
+    int error = -1;
+    TOVO_Sensor *h = (sss ? SSSNavigationOpenDir : NavigationOpenDir)(dir.wpath().c_str(), mode, &error);
+    if (h) {
+        double t, lat, lon, m;
+        unsigned int s;
+        error = (sss ? SSSNavigationRead : NavigationRead)(h, 1, &t, &lat, &lon, &m, &s);
+        (sss ? SSSNavigationClose : NavigationClose)(h);
+    }
+    return {error, GetCapturedStdout()};
+}
+
+// Every file cut at every byte is refused on open with the code of what is
+// missing; Navigation says why, its twin stays silent.
+TEST(NavigationCorrupt, TruncatedAtEveryByteIsRefused) {
+    for (bool sss : {false, true}) {
+        TempDir dir;
+        writeLine(dir, sss);
+        const std::string stem = sss ? "SSSNavigation" : "Navigation";
+        for (const std::string suffix : {"", "LineSegments", "TmIdx"}) {
+            const std::string file = dir.file(stem + suffix);
+            const Bytes whole = readFile(file);
+            for (std::size_t n = 0; n < whole.size(); ++n) {
+                writeFile(file, Bytes(whole.begin(), whole.begin() + static_cast<long>(n)));
+                int expected = suffix == "LineSegments" ? 5000103 : suffix == "TmIdx" ? 5000039
+                               : n < 16 || n >= 72                            ? 5000106
+                                                                              : 5000125;
+                auto [code, printed] = openAndRead(dir, sss, n % 2 ? L"query" : L"update");
+                ASSERT_EQ(code, expected) << stem << suffix << " cut at " << n;
+                if (sss || suffix == "TmIdx") ASSERT_EQ(printed, "") << n;
+                else ASSERT_NE(printed, "") << n;
+            }
+            writeFile(file, whole);
+        }
+        EXPECT_EQ(openAndRead(dir, sss, L"update").first, 0);
+    }
+}
+
+TEST(NavigationCorrupt, MessagesNameWhatIsWrong) {
+    TempDir dir;
+    writeLine(dir, false);
+    const Bytes data = readFile(dir.file("Navigation"));
+    patchWord(dir.file("Navigation"), 4, 12);
+    EXPECT_EQ(openAndRead(dir, false, L"query"),
+              std::make_pair(5000106, std::string("NavigationReadSummary(): could not validate header \n")));
+    writeFile(dir.file("Navigation"), data);
+    patchWord(dir.file("Navigation"), 20, 2);  // two records in a file of one
+    EXPECT_EQ(openAndRead(dir, false, L"query"),
+              std::make_pair(5000106, std::string("NavigationReadSummary(): unable to decode number of data samples \n")));
+    writeFile(dir.file("Navigation"), data);
+    patchWord(dir.file("NavigationLineSegments"), 24, 1000);  // name length
+    EXPECT_EQ(openAndRead(dir, false, L"query"),
+              std::make_pair(5000103, std::string("NavigationReadLineSegmentFile(): could not decode line segment "
+                                                  "source file name\n")));
+    std::remove(dir.file("NavigationLineSegments").c_str());
+    const std::string missing = "VELM IO was unable to find the data file '" + dir.file("NavigationLineSegments") + "'\n";
+    EXPECT_EQ(openAndRead(dir, false, L"query"), std::make_pair(5000132, missing));
+    EXPECT_EQ(openAndRead(dir, true, L"query").first, 5000046);  // no SSSNavigation data file at all
+}
+
+// The two families answer a handle of the wrong type differently, as they
+// always have. Each row: Navigation's operation given an SSSNavigation
+// handle, the twin's given a Navigation handle, and their answers.
+TEST(NavigationRead, WrongHandleAnswersDifferPerFamily) {
+    TempDir navDir, sssDir, gyroDir;
+    writeLine(navDir, false);
+    writeLine(sssDir, true);
+    writeGyroLine(gyroDir);
+    int error = -1;
+    TOVO_Sensor *nav = NavigationOpenDir(navDir.wpath().c_str(), L"update", &error);
+    TOVO_Sensor *sss = SSSNavigationOpenDir(sssDir.wpath().c_str(), L"update", &error);
+    TOVO_Sensor *gyro = GyroOpenDir(gyroDir.wpath().c_str(), L"update", &error);
+    ASSERT_TRUE(nav && sss && gyro);
+    using Answer = std::pair<int, std::string>;
+    using Op = int (*)(TOVO_Sensor *);
+    auto call = [](Op op, TOVO_Sensor *h) {
+        CaptureStdout();
+        int rc = op(h);
+        return Answer(rc, GetCapturedStdout());
+    };
+    const std::string bad = "(): invalid sensor type\n";
+#define OP(CALL) [](TOVO_Sensor *h) { double d; unsigned int u; wchar_t *w; return (void)d, (void)u, (void)w, CALL; }
+    const struct {
+        Op navOp, sssOp;
+        Answer navAnswer, sssAnswer;
+    } rows[] = {
+        {OP(NavigationLineSegment(h, 1, &w, &u, &u, &d, &d, &d, &d, &d, &d, &u)),
+         OP(SSSNavigationLineSegment(h, 1, &w, &u, &u, &d, &d, &d, &d, &d, &d, &u)), {5000112, ""},
+         {5000113, "SSSNavigationLineSegment" + bad}},
+        {OP(NavigationSaveStatusToDisk(h)), OP(SSSNavigationSaveStatusToDisk(h)), {5000112, ""},
+         {5000113, "SSSNavigationSaveStatusToDisk" + bad}},
+        {OP(NavigationSetSummaryStatus(h, 1)), OP(SSSNavigationSetSummaryStatus(h, 1)),
+         {5000113, "NavigationSetSummaryStatus" + bad}, {5000122, ""}},
+        {OP(NavigationSummary(h, &u, &u, &u, &d, &d, &d, &d, &d, &d, &u)),
+         OP(SSSNavigationSummary(h, &u, &u, &u, &d, &d, &d, &d, &d, &d, &u)),
+         {5000113, "NavigationSummary(): invalid sensor type \n"}, {5000113, "SSSNavigationSummary" + bad}},
+        {OP(NavigationEndSeqWriteLineSegment(h, 0)), OP(SSSNavigationEndSeqWriteLineSegment(h, 0)),
+         {5000113, "NavigationEndWriteLineSegment" + bad}, {5000113, "SSSNavigationEndSeqWriteLineSegment" + bad}},
+        {OP(NavigationClose(h)), OP(SSSNavigationClose(h)), {5000113, "NavigationClose" + bad}, {5000113, ""}},
+    };
+#undef OP
+    for (const auto &r : rows) {
+        EXPECT_EQ(call(r.navOp, sss), r.navAnswer);
+        EXPECT_EQ(call(r.sssOp, nav), r.sssAnswer);
+        EXPECT_EQ(call(r.navOp, gyro), r.navAnswer);  // any other type alike
+        EXPECT_EQ(call(r.navOp, nullptr).first + call(r.sssOp, nullptr).first, 2 * 5000112);
+    }
+    // A navigation handle is not a simple sensor's, whatever its functions.
+    double d;
+    unsigned int u;
+    EXPECT_EQ(GyroRead(nav, 1, &d, &d, &u), -1);
+    EXPECT_EQ(NavigationClose(nav) + SSSNavigationClose(sss) + GyroClose(gyro), 0);
+}
+
+}  // namespace
