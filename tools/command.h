@@ -19,9 +19,17 @@ struct Command {
 
 int runVersion(const Args &args);
 int runTime(const Args &args);
+int runDemo(const Args &args);
+int runShow(const Args &args);
+int runExplain(const Args &args);
 
-// UTF-8 argument to a wide string.
+// UTF-8 argument to a wide string, and back.
 std::wstring widen(const std::string &text);
+std::string narrow(const std::wstring &text);
+// The tool's text under key in the message bundle, or fallback.
+std::string text(const char *key, const char *fallback);
+// Prints "velmio: what: error N: sentence" on standard error; returns 1.
+int reportError(const char *what, int code);
 
 }  // namespace velmio::tool
 

@@ -26,14 +26,31 @@ std::wstring widen(const std::string &text) {
 
 namespace {
 
-const Command kCommands[] = {
-    {"version", "", "print the library's version", runVersion},
-    {"time", "TEXT | SECONDS80 | --ymd Y M D h m s", "convert between time texts and UTC seconds", runTime},
+struct Listed {
+    Command command;
+    const char *usageKey;
+    const char *summaryKey;
+};
+
+const Listed kCommands[] = {
+    {{"version", "", "print the library's version", runVersion}, nullptr, "ToolVersionSummary"},
+    {{"time", "TEXT | SECONDS80 | --ymd Y M D h m s", "convert between time texts and UTC seconds", runTime},
+     "ToolTimeArguments", "ToolTimeSummary"},
+    {{"demo", "LINE_DIRECTORY", "write a demo survey line (sensors and a sound velocity profile)", runDemo},
+     "ToolDemoArguments", "ToolDemoSummary"},
+    {{"show", "LINE_DIRECTORY", "summarise every sensor of a survey line", runShow}, "ToolShowArguments",
+     "ToolShowSummary"},
+    {{"explain", "CODE...", "say what error codes mean", runExplain}, "ToolExplainArguments", "ToolExplainSummary"},
 };
 
 void usage(std::FILE *out) {
-    std::fprintf(out, "usage: velmio COMMAND [ARGS]\n\ncommands:\n");
-    for (const auto &c : kCommands) std::fprintf(out, "  %-8s %-36s %s\n", c.name, c.usage, c.summary);
+    std::fprintf(out, "%s\n\n%s\n", text("ToolUsage", "usage: velmio COMMAND [ARGS]").c_str(),
+                 text("ToolCommands", "commands:").c_str());
+    for (const auto &c : kCommands) {
+        std::string args = c.usageKey ? text(c.usageKey, c.command.usage) : c.command.usage;
+        std::fprintf(out, "  %-8s %-36s %s\n", c.command.name, args.c_str(),
+                     text(c.summaryKey, c.command.summary).c_str());
+    }
 }
 
 }  // namespace
@@ -47,9 +64,10 @@ int main(int argc, char **argv) {
         return argc < 2 ? 2 : 0;
     }
     for (const auto &c : kCommands) {
-        if (!std::strcmp(argv[1], c.name)) return c.run(Args(argv + 2, argv + argc));
+        if (!std::strcmp(argv[1], c.command.name)) return c.command.run(Args(argv + 2, argv + argc));
     }
-    std::fprintf(stderr, "velmio: unknown command '%s'\n", argv[1]);
+    std::fprintf(stderr, text("ToolUnknownCommand", "velmio: unknown command '%s'").c_str(), argv[1]);
+    std::fputc('\n', stderr);
     usage(stderr);
     return 2;
 }
