@@ -8,8 +8,28 @@
 #define VELMIO_VELMIO_H
 
 #include <velmio/export.h>
+
+/* Line data encoding and time */
 #include <velmio/encoding.h>
 #include <velmio/time_conversions.h>
+
+/* Line directory store and the sensor families */
+#include <velmio/linestore.h>
+#include <velmio/simple_sensor.h>
+#include <velmio/navigation.h>
+#include <velmio/observed_depths.h>
+#include <velmio/slant_range.h>
+#include <velmio/tpe.h>
+
+/* Vessel configuration queries, sound velocity profile files, geodesy */
+#include <velmio/vessel_queries.h>
+#include <velmio/svp_files.h>
+#include <velmio/geodesy.h>
+
+/* Library services */
 #include <velmio/paths.h>
+#include <velmio/log_file.h>
+#include <velmio/console.h>
+#include <velmio/file_info.h>
 
 #endif

@@ -1,0 +1,94 @@
+/* Total propagated error: per ping a profile (status, beam count and first
+ * beam number, time, a caller's profile word) followed by one 12-byte record
+ * per beam: status bits over the beam's 16-bit time offset from the ping, and
+ * two error values stored in thousandths, truncated toward zero (0.0015 is
+ * stored as 1 and read back as 0.001).
+ *
+ * Files in the line directory: "TPE", "TPELineSegments", "TPETmIdx" (one time
+ * index entry per profile); files carry format version 1.
+ *
+ * Calling orders:
+ *   write: OpenDir("create"), BgnSeqWriteSummary, per source file
+ *          BgnSeqWriteLineSegment, per ping BgnSeqWriteProfile + one SeqWrite
+ *          per declared beam + EndSeqWriteProfile, EndSeqWriteLineSegment;
+ *          EndSeqWriteSummary, Close.
+ *   read:  OpenDir("query"), Summary, LineSegment, ReadProfile/Read or
+ *          ReadProfileSeq + its beams' ReadSeq, Close.
+ *          Summary and segment statuses set on an update handle are written
+ *          by Close.
+ *
+ * Block reader: when the environment variable VelmIOCacheSize holds a
+ * positive decimal number when a handle is opened for query or update, reads
+ * are served from blocks of that many profiles (at most the line's profile
+ * count), loaded with one seek and one read each; the values returned are
+ * the same as without it. Unset, "0" or text that is not a number leave it
+ * off.
+ *
+ * Error codes: 0, 50027xx (the reason digits of every family; 5002728 for a
+ * beam number outside the profile), 5000009 out of memory, -1 for a handle
+ * without family state or a missing output. Strings handed out are fresh
+ * copies freed with free() or VELMIO_free(). */
+#ifndef VELMIO_TPE_H
+#define VELMIO_TPE_H
+
+#include <velmio/export.h>
+
+VELMIO_BEGIN_C
+
+/* Opens the line's error estimates with "create", "query" or "update"; the
+ * handle, or null with *errorCode set. Released by TPEClose. */
+VELMIO_API TOVO_Sensor *TPEOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken, int *errorCode);
+/* Writes summary, segments and time index of a create handle with profiles
+ * (deletes the data file of one without), closes and frees the handle. */
+VELMIO_API int TPEClose(TOVO_Sensor *handle);
+
+/* The summary; every output may be null. Error ranges at the stored
+ * resolution of 0.001. */
+VELMIO_API int TPESummary(TOVO_Sensor *handle, unsigned int *numberOfLineSegments, unsigned int *numberOfProfiles,
+                          unsigned int *numberOfBeams, double *minTime, double *maxTime, unsigned int *toolType1,
+                          unsigned int *toolType2, double *minError1, double *maxError1, double *minError2,
+                          double *maxError2, unsigned int *status);
+/* Segment n (from 1): source name (fresh copy, caller frees), first and last
+ * profile, time range, status. 5002717 when there is no such segment. */
+VELMIO_API int TPELineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **sourceName, unsigned int *beginIndex,
+                              unsigned int *endIndex, double *minTime, double *maxTime, unsigned int *status);
+
+/* Header of profile n (query or update). As kept from the first version of
+ * the format, the profile number is checked against the beam total (5002719);
+ * a number beyond the last profile then fails in the time index (5002708). */
+VELMIO_API int TPEReadProfile(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int *numberOfBeams,
+                              unsigned int *firstBeam, double *time, unsigned int *profileWord, unsigned int *status);
+/* One beam (query or update); profile checked as in ReadProfile, a beam
+ * outside the profile's numbering gives 5002728. */
+VELMIO_API int TPERead(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber, double *beamTime,
+                       double *error1, double *error2, unsigned int *status);
+/* The next header and the next beam (query only). */
+VELMIO_API int TPEReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeams, unsigned int *firstBeam,
+                                 double *time, unsigned int *profileWord, unsigned int *status);
+VELMIO_API int TPEReadSeq(TOVO_Sensor *handle, double *beamTime, double *error1, double *error2,
+                          unsigned int *status);
+
+/* Writing (create mode). A profile is followed by exactly its numberOfBeams
+ * beams: one more is refused with 5002719 and EndSeqWriteProfile reports a
+ * short profile with 5002719. Beam status bits belong in the upper 16 bits. */
+VELMIO_API int TPEBgnSeqWriteSummary(TOVO_Sensor *handle);
+VELMIO_API int TPEBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
+VELMIO_API int TPEBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams, unsigned int firstBeam,
+                                     double time, unsigned int profileWord, unsigned int status);
+VELMIO_API int TPESeqWrite(TOVO_Sensor *handle, double beamTime, double error1, double error2, unsigned int status);
+VELMIO_API int TPEEndSeqWriteProfile(TOVO_Sensor *handle);
+VELMIO_API int TPEEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
+VELMIO_API int TPEEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
+
+/* Both tool types and the summary status (any mode), segment status (update
+ * mode). */
+VELMIO_API int TPESetToolType(TOVO_Sensor *handle, unsigned int toolType1, unsigned int toolType2);
+VELMIO_API int TPESetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
+VELMIO_API int TPESetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status);
+
+/* Deletes the family's three files. */
+VELMIO_API int TPERemoveDir(const wchar_t *lineDirectory);
+
+VELMIO_END_C
+
+#endif

@@ -1,0 +1,411 @@
+// Observed depths: profiles of soundings edited in place, beam by beam.
+#include <velmio/encoding.h>
+#include <velmio/linestore.h>
+#include <velmio/observed_depths.h>
+
+#include "sensors/profile_cursor.h"
+
+#include <cstdio>
+#include <memory>
+#include <new>
+
+using namespace velmio;
+
+namespace {
+
+constexpr std::uint32_t kRejectionMask = OBSERVED_DEPTHS_REJECTION_MASK;
+constexpr int kTime = 0;   // extents of the handle and of each segment
+constexpr int kDepth = 1;
+
+// Summary units: status, tool type, profiles, beams, time scale, depth time
+// scale, reference time, min/max time, min/max depth.
+void summaryToWords(const TOVO_Sensor &h, std::uint32_t *w) {
+    w[0] = h.summaryStatus;
+    w[1] = h.familyWords[1];
+    w[2] = h.recordCount;
+    w[3] = h.familyWords[0];
+    w[4] = asWord(h.timeScale);
+    w[5] = asWord(h.depthTimeScale);
+    w[6] = asWord(h.referenceTime);
+    w[7] = asWord(TOVO_EncodeTime(h.extents[kTime].min, h.referenceTime, h.timeScale));
+    w[8] = asWord(TOVO_EncodeTime(h.extents[kTime].max, h.referenceTime, h.timeScale));
+    w[9] = asWord(TOVO_EncodeMeters(h.extents[kDepth].min));
+    w[10] = asWord(TOVO_EncodeMeters(h.extents[kDepth].max));
+}
+
+bool summaryFromWords(TOVO_Sensor &h, const std::uint32_t *w) {
+    if (asSigned(w[4]) <= 0 || asSigned(w[5]) <= 0) return false;
+    h.summaryStatus = w[0];
+    h.familyWords[1] = w[1];
+    h.recordCount = w[2];
+    h.familyWords[0] = w[3];
+    h.timeScale = asSigned(w[4]);
+    h.depthTimeScale = asSigned(w[5]);
+    h.referenceTime = asSigned(w[6]);
+    h.extents[kTime] = {TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[7])),
+                        TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[8]))};
+    h.extents[kDepth] = {TOVO_DecodeMeters(asSigned(w[9])), TOVO_DecodeMeters(asSigned(w[10]))};
+    return true;
+}
+
+const ProfileFamily kObservedDepths = {
+    4,                          // type (ObservedDepthsNew is recorded as 4 too)
+    5000200,                    // code block
+    44, 20, 16,                 // summary, header, beam bytes
+    2,                          // format version written
+    kOutOfRange, kSummaryInvalid,
+    {20, 24, true},             // version 1: beam count only, 24-byte beams
+    5000214,                    // time index not written
+    true,                       // family state checked before the type
+    summaryToWords, summaryFromWords,
+    {2, {ExtentKind::Time, ExtentKind::Metres}, 5000201, nullptr, 5000203, 5000202, 5000226, nullptr, nullptr,
+     nullptr, nullptr},
+};
+
+int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enterProfile(h, kObservedDepths, modes, s); }
+
+TOVO_Sensor *open(const wchar_t *lineDirectory, std::uint32_t id, const wchar_t *token, int *error) {
+    std::unique_ptr<ProfileState> state(new (std::nothrow) ProfileState(kObservedDepths));
+    if (!state) {
+        if (error) *error = kNoMemory;
+        return nullptr;
+    }
+    return openProfileSensor(lineDirectory, id, token, error, kObservedDepths, std::move(state));
+}
+
+bool inRange(std::uint32_t n, std::uint32_t count) { return n >= 1 && n <= count; }
+
+struct Beam {
+    double time, y, x, depth, extra;
+    std::uint32_t status;
+};
+
+Beam decodeBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w) {
+    Beam b;
+    b.depth = TOVO_DecodeMeters(asSigned(w[1]));
+    b.x = TOVO_DecodeMeters(asSigned(w[2]));
+    b.y = TOVO_DecodeMeters(asSigned(w[3]));
+    if (s.geometry.countOnlyLayout) {
+        // Version 1: the whole first unit is status, the offset has its own.
+        b.status = w[0];
+        b.time = TOVO_DecodeDepthTime(s.profileTime, h.depthTimeScale, asSigned(w[4]));
+        b.extra = TOVO_DecodeMeters(asSigned(w[5]));
+    } else {
+        b.status = w[0] & 0xFFFF0000u;
+        b.time = beamTime(h, s.profileTime, w[0]);
+        b.extra = 0.0;
+    }
+    return b;
+}
+
+void fillBeam(const Beam &b, double *time, double *y, double *x, double *depth, double *extra,
+              unsigned int *status) {
+    *time = b.time;
+    *y = b.y;
+    *x = b.x;
+    *depth = b.depth;
+    *extra = b.extra;
+    *status = b.status;
+}
+
+void fillHeader(const ProfileHeader &p, unsigned int *numberOfBeams, unsigned int *firstBeam, double *time,
+                double *angle1, double *angle2, unsigned int *status) {
+    *numberOfBeams = p.beamCount;
+    *firstBeam = p.firstBeam;
+    *time = p.time;
+    *angle1 = TOVO_DecodeRadians(asSigned(p.words[3]));
+    *angle2 = TOVO_DecodeRadians(asSigned(p.words[4]));
+    *status = p.status;
+}
+
+// Edits: a version 1 file makes every edit a successful no-op.
+constexpr int kVersion1 = 1;
+
+int enterEdit(TOVO_Sensor *h, std::uint32_t profile, ProfileState *&s) {
+    if (const int rc = enter(h, kAnyMode, s)) return rc;
+    if (s->formatVersion < 2) return kVersion1;
+    if (!modeAllowed(*h, kUpdateMode)) return kObservedDepths.code(kWrongMode);
+    if (!inRange(profile, h->recordCount)) return kObservedDepths.code(kOutOfRange);
+    return 0;
+}
+
+void widenDepth(TOVO_Sensor &h, std::uint32_t profile, double depth) {
+    h.extents[kDepth].widen(depth);
+    if (_TOVO_LnSeg *segment = segmentOfProfile(h, profile)) segment->extents[kDepth].widen(depth);
+}
+
+std::uint32_t withStatus(std::uint32_t word1, std::uint32_t status) { return (word1 & 0xFFFFu) | status; }
+
+// Reads the beam, lets change() alter its words (returning false to leave
+// the file alone), writes it back and widens the depth bounds by newDepth.
+template <class Change>
+int editBeam(TOVO_Sensor *h, std::uint32_t profile, std::uint32_t beam, Change change,
+             const double *newDepth = nullptr) {
+    ProfileState *s = nullptr;
+    const int rc = enterEdit(h, profile, s);
+    if (rc == kVersion1) return 0;
+    if (rc) return rc;
+    std::uint32_t words[kMaxRecordWords];
+    std::uint32_t offset = 0;
+    if (const int r = loadBeamForEdit(*h, *s, profile, beam, words, offset)) return r;
+    if (!change(words)) return 0;
+    if (const int r = storeBeam(*h, *s, offset, words)) return r;
+    if (newDepth) widenDepth(*h, profile, *newDepth);
+    return 0;
+}
+
+}  // namespace
+
+extern "C" {
+
+VELMIO_API TOVO_Sensor *ObservedDepthsOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken,
+                                              int *errorCode) {
+    return open(lineDirectory, 4, accessToken, errorCode);
+}
+
+VELMIO_API TOVO_Sensor *ObservedDepthsNewOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken,
+                                                 int *errorCode) {
+    return open(lineDirectory, 53, accessToken, errorCode);
+}
+
+VELMIO_API int ObservedDepthsSummary(TOVO_Sensor *handle, unsigned int *toolType, unsigned int *numberOfLineSegments,
+                                     unsigned int *numberOfProfiles, unsigned int *numberOfBeams, double *minTime,
+                                     double *maxTime, double *minDepth, double *maxDepth, unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kAnyMode, s)) return rc;
+    if (toolType) *toolType = handle->familyWords[1];
+    if (numberOfLineSegments) *numberOfLineSegments = handle->segmentCount;
+    if (numberOfProfiles) *numberOfProfiles = handle->recordCount;
+    if (numberOfBeams) *numberOfBeams = handle->familyWords[0];
+    if (minTime) *minTime = handle->extents[kTime].min;
+    if (maxTime) *maxTime = handle->extents[kTime].max;
+    if (minDepth) *minDepth = handle->extents[kDepth].min;
+    if (maxDepth) *maxDepth = handle->extents[kDepth].max;
+    if (status) *status = handle->summaryStatus;
+    return 0;
+}
+
+VELMIO_API int ObservedDepthsLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **sourceName,
+                                         unsigned int *beginIndex, unsigned int *endIndex, double *minTime,
+                                         double *maxTime, double *minDepth, double *maxDepth, unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kAnyMode, s)) return rc;
+    if (!sourceName || !beginIndex || !endIndex || !minTime || !maxTime || !minDepth || !maxDepth || !status)
+        return -1;
+    Extent extents[2];
+    if (const int rc =
+            describeSegment(*handle, *s, segmentNumber, sourceName, beginIndex, endIndex, extents, 2, status))
+        return rc;
+    *minTime = extents[kTime].min;
+    *maxTime = extents[kTime].max;
+    *minDepth = extents[kDepth].min;
+    *maxDepth = extents[kDepth].max;
+    return 0;
+}
+
+VELMIO_API int ObservedDepthsReadProfile(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int *numberOfBeams,
+                                         unsigned int *firstBeam, double *time, double *angle1, double *angle2,
+                                         unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kReadModes, s)) return rc;
+    if (!numberOfBeams || !firstBeam || !time || !angle1 || !angle2 || !status) return -1;
+    if (!inRange(profileNumber, handle->recordCount)) return kObservedDepths.code(kOutOfRange);
+    if (const int rc = loadHeader(*handle, *s, profileNumber, kNotDecoded)) return rc;
+    s->profileTime = s->header.time;
+    fillHeader(s->header, numberOfBeams, firstBeam, time, angle1, angle2, status);
+    return 0;
+}
+
+VELMIO_API int ObservedDepthsRead(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,
+                                  double *time, double *y, double *x, double *depth, double *extra,
+                                  unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kReadModes, s)) return rc;
+    if (!time || !y || !x || !depth || !extra || !status) return -1;
+    if (!inRange(profileNumber, handle->recordCount)) return kObservedDepths.code(kOutOfRange);
+    std::uint32_t words[kMaxRecordWords];
+    if (const int rc = readBeam(*handle, *s, profileNumber, beamNumber, words, kOutOfRange)) return rc;
+    fillBeam(decodeBeam(*handle, *s, words), time, y, x, depth, extra, status);
+    return 0;
+}
+
+VELMIO_API int ObservedDepthsReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeams, unsigned int *firstBeam,
+                                            double *time, double *angle1, double *angle2, unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kQueryMode, s)) return rc;
+    if (!numberOfBeams || !firstBeam || !time || !angle1 || !angle2 || !status) return -1;
+    ProfileHeader header;
+    if (const int rc = readHeaderSeq(*handle, *s, header)) return rc;
+    fillHeader(header, numberOfBeams, firstBeam, time, angle1, angle2, status);
+    return 0;
+}
+
+VELMIO_API int ObservedDepthsReadSeq(TOVO_Sensor *handle, double *time, double *y, double *x, double *depth,
+                                     double *extra, unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kReadModes, s)) return rc;
+    if (!time || !y || !x || !depth || !extra || !status) return -1;
+    std::uint32_t words[kMaxRecordWords];
+    if (const int rc = readBeamSeq(*handle, *s, words)) return rc;
+    fillBeam(decodeBeam(*handle, *s, words), time, y, x, depth, extra, status);
+    return 0;
+}
+
+VELMIO_API int ObservedDepthsBgnSeqWriteSummary(TOVO_Sensor *handle) {
+    ProfileState *s = nullptr;
+    return enter(handle, kCreateMode, s);
+}
+
+VELMIO_API int ObservedDepthsBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    return beginProfileSegment(*handle, *s, sourceName);
+}
+
+VELMIO_API int ObservedDepthsBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams,
+                                                unsigned int firstBeam, double time, double angle1, double angle2,
+                                                unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    const std::uint32_t angles[2] = {asWord(TOVO_EncodeRadians(angle1)), asWord(TOVO_EncodeRadians(angle2))};
+    // Observed depths take their time bounds from the beams only.
+    return beginProfile(*handle, *s, numberOfBeams, firstBeam, time, status, angles, 2, false);
+}
+
+VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y, double x, double depth,
+                                      double /*reserved1*/, double /*reserved2*/, unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    const std::uint32_t words[4] = {statusAndOffset(*handle, *s, time, status), asWord(TOVO_EncodeMeters(depth)),
+                                    asWord(TOVO_EncodeMeters(x)), asWord(TOVO_EncodeMeters(y))};
+    if (const int rc = writeBeam(*handle, *s, words, time)) return rc;
+    handle->extents[kDepth].widen(depth);
+    if (s->currentSegment) s->currentSegment->extents[kDepth].widen(depth);
+    return 0;
+}
+
+VELMIO_API int ObservedDepthsEndSeqWriteProfile(TOVO_Sensor *handle) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    return endProfile(*handle, *s);
+}
+
+VELMIO_API int ObservedDepthsEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    return endProfileSegment(*handle, *s, status);
+}
+
+VELMIO_API int ObservedDepthsEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    handle->summaryStatus = status;
+    return 0;
+}
+
+VELMIO_API int ObservedDepthsSetToolType(TOVO_Sensor *handle, unsigned int toolType) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kAnyMode, s)) return rc;
+    handle->familyWords[1] = toolType;
+    s->statusDirty = true;
+    return 0;
+}
+
+VELMIO_API int ObservedDepthsSetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kAnyMode, s)) return rc;
+    handle->summaryStatus = status;
+    s->statusDirty = true;
+    return 0;
+}
+
+VELMIO_API int ObservedDepthsSetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kUpdateMode, s)) return rc;
+    return setSegmentStatus(*handle, *s, segmentNumber, status);
+}
+
+VELMIO_API int ObservedDepthsUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,
+                                          unsigned int status) {
+    return editBeam(handle, profileNumber, beamNumber, [&](std::uint32_t *w) {
+        w[0] = withStatus(w[0], status);
+        return true;
+    });
+}
+
+VELMIO_API int ObservedDepthsUpdateRejectionStatus(TOVO_Sensor *handle, unsigned int profileNumber,
+                                                   unsigned int beamNumber, unsigned int bits) {
+    return editBeam(handle, profileNumber, beamNumber, [&](std::uint32_t *w) {
+        const std::uint32_t masked = w[0] & kRejectionMask;
+        if (masked == bits) return false;
+        // The status half loses its rejection bits and gains the new ones;
+        // the time offset below stays as it is.
+        w[0] = (((w[0] & 0xFFFF0000u) - masked) + bits) | (w[0] & 0xFFFFu);
+        return true;
+    });
+}
+
+VELMIO_API int ObservedDepthsUpdateDepth(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,
+                                         double depth) {
+    return editBeam(
+        handle, profileNumber, beamNumber,
+        [&](std::uint32_t *w) {
+            w[1] = asWord(TOVO_EncodeMeters(depth));
+            return true;
+        },
+        &depth);
+}
+
+VELMIO_API int ObservedDepthsUpdateDepthStatus(TOVO_Sensor *handle, unsigned int profileNumber,
+                                               unsigned int beamNumber, double depth, unsigned int status) {
+    return editBeam(
+        handle, profileNumber, beamNumber,
+        [&](std::uint32_t *w) {
+            w[0] = withStatus(w[0], status);
+            w[1] = asWord(TOVO_EncodeMeters(depth));
+            return true;
+        },
+        &depth);
+}
+
+// A null z leaves the depth, and so the bounds, as they are.
+VELMIO_API int ObservedDepthsUpdateXYZStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,
+                                             const double *x, const double *y, const double *z,
+                                             const unsigned int *status) {
+    return editBeam(
+        handle, profileNumber, beamNumber,
+        [&](std::uint32_t *w) {
+            if (status) w[0] = withStatus(w[0], *status);
+            if (z) w[1] = asWord(TOVO_EncodeMeters(*z));
+            if (x) w[2] = asWord(TOVO_EncodeMeters(*x));
+            if (y) w[3] = asWord(TOVO_EncodeMeters(*y));
+            return true;
+        },
+        z);
+}
+
+VELMIO_API int ObservedDepthsSaveStatusToDisk(TOVO_Sensor *handle) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kUpdateMode, s)) return rc;
+    if (writeSummary(*handle, *s) != 0) return kObservedDepths.code(kSummaryNotEncoded);
+    try {
+        if (const int rc = writeLineSegmentFile(*handle, kObservedDepths.segments)) return rc;
+    } catch (const std::bad_alloc &) {
+        return kNoMemory;
+    }
+    if (std::fflush(handle->dataFile) != 0) return kObservedDepths.code(kSeekFailed);
+    s->statusDirty = false;
+    return 0;
+}
+
+VELMIO_API int ObservedDepthsClose(TOVO_Sensor *handle) { return closeProfileSensor(handle, kObservedDepths, false); }
+
+VELMIO_API int ObservedDepthsRemoveDir(const wchar_t *lineDirectory) {
+    return SensorRemoveDir(lineDirectory, L"ObservedDepths");
+}
+
+VELMIO_API int ObservedDepthsNewRemoveDir(const wchar_t *lineDirectory) {
+    return SensorRemoveDir(lineDirectory, L"ObservedDepthsNew");
+}
+
+}  // extern "C"

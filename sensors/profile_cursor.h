@@ -1,0 +1,209 @@
+// What the profile families (observed depths, slant range, total propagated
+// error) have in common: a data file of a summary and pings, each ping a
+// profile header followed by its beam records, one time index entry per
+// header. One implementation positions on a beam, caches the header of the
+// profile in hand, writes profiles and beams, and opens and closes the files;
+// each family describes itself (type, code block, record sizes, summary
+// words) in a ProfileFamily table and keeps its own codes.
+#ifndef VELMIO_SENSORS_PROFILE_CURSOR_H
+#define VELMIO_SENSORS_PROFILE_CURSOR_H
+
+#include <velmio/encoding.h>
+
+#include "linestore/line_segment_file.h"
+#include "linestore/sensor.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace velmio {
+
+// The reason digits shared by every family: a family's code is its block
+// plus the reason (observed depths 5000200 + 19 = 5000219).
+enum ProfileReason {
+    kSegmentOpenFailed = 1,
+    kSegmentNotWritten = 2,
+    kSegmentInvalid = 3,
+    kSummaryNotEncoded = 5,
+    kSummaryInvalid = 6,
+    kNotMapped = 8,
+    kSummaryNotReserved = 11,
+    kNullHandle = 12,
+    kWrongType = 13,
+    kTimeIndexNotWritten = 14,
+    kSeekFailed = 15,
+    kNotFreed = 16,
+    kNoSegment = 17,
+    kWrongMode = 18,
+    kOutOfRange = 19,
+    kNotDecoded = 21,
+    kNotEncoded = 22,
+    kTimeIndexEntryFailed = 23,
+    kWriteFailed = 24,
+    kReadFailed = 25,
+    kCloseFailed = 26,
+    kEditNotCoded = 27,
+    kBackupFailed = 28,
+    kOwnBeamRange = 28,  // total propagated error: beam outside the profile
+};
+
+constexpr int kNoMemory = 5000009;
+constexpr unsigned kMaxSummaryWords = 18;
+constexpr unsigned kMaxRecordWords = 6;  // observed depths version 1 beams
+
+// Access modes an operation accepts.
+enum ModeMask : unsigned {
+    kCreateMode = 1u << 1,
+    kQueryMode = 1u << 2,
+    kUpdateMode = 1u << 3,
+    kReadModes = kQueryMode | kUpdateMode,
+    kAnyMode = kCreateMode | kQueryMode | kUpdateMode,
+};
+bool modeAllowed(const TOVO_Sensor &h, unsigned modes);
+
+// Record sizes of one file: version 1 observed depths files differ.
+struct ProfileGeometry {
+    unsigned headerBytes;
+    unsigned beamBytes;
+    bool countOnlyLayout;  // the layout word is the beam count, first beam 1
+};
+
+struct ProfileFamily {
+    std::uint32_t typeId;
+    int block;                  // 5000200, 5001900, 5002700
+    unsigned summaryBytes;      // behind the 16-byte validation record
+    unsigned headerBytes;       // of the format version written now
+    unsigned beamBytes;
+    std::uint32_t writeVersion; // data file format version of new files
+    int beamRangeReason;        // kOutOfRange, or TPE's own 28
+    int shortSummaryReason;     // a summary shorter than summaryBytes
+    ProfileGeometry version1;   // records of format version 1 files, when they differ
+    int timeIndexWriteCode;     // 0: the time index's own code passes through
+    bool stateCheckedFirst;     // observed depths: family state before type
+    // The summary as XDR units (summaryBytes / 4 of them) and back; fromWords
+    // returns false for a summary no file of this family can hold.
+    void (*toWords)(const TOVO_Sensor &h, std::uint32_t *words);
+    bool (*fromWords)(TOVO_Sensor &h, const std::uint32_t *words);
+    SegmentFileFormat segments;
+
+    int code(int reason) const { return block + reason; }
+};
+
+struct ProfileHeader {
+    std::uint32_t number = 0;  // 0: nothing cached
+    std::uint32_t offset = 0;  // of the header in the data file
+    std::uint32_t beamCount = 0;
+    std::uint32_t firstBeam = 0;
+    std::uint32_t status = 0;
+    std::uint32_t words[5] = {};  // the header's units as read
+    double time = 0.0;
+
+    bool holds(std::uint32_t beam) const { return beam >= firstBeam && beam - firstBeam < beamCount; }
+};
+
+class ProfileState : public FamilyState {
+public:
+    explicit ProfileState(const ProfileFamily &f)
+        : family(f), geometry{f.headerBytes, f.beamBytes, false} {}
+
+    const ProfileFamily &family;
+    ProfileGeometry geometry;
+    std::uint32_t formatVersion = 1;
+    unsigned char buffer[4 * kMaxRecordWords] = {};  // one header or beam
+    double profileTime = 0.0;   // ping time of the profile in hand
+    int repositionNeeded = 1;   // the file is not known to be at the next beam
+    ProfileHeader header;       // last header positioned on
+    std::uint32_t lastProfile = 0;
+    std::uint32_t lastBeam = 0;
+    // Writing: the segment begun and not yet ended, and the open profile's
+    // declared and written beams.
+    _TOVO_LnSeg *currentSegment = nullptr;
+    bool profileOpen = false;
+    std::uint32_t beamsDeclared = 0;
+    std::uint32_t beamsWritten = 0;
+    // Set by status setters of a family without SaveStatusToDisk, so that
+    // its close writes summary and segments of an update handle.
+    bool statusDirty = false;
+    std::int64_t fileSize = -1;      // of the data file, read modes
+    unsigned long seekCount = 0;     // data file repositionings
+};
+
+// The family's state on a handle after the entry checks in the family's
+// order (null handle, type, mode, missing state -1). 0 or the code.
+int enterProfile(TOVO_Sensor *h, const ProfileFamily &f, unsigned modes, ProfileState *&s);
+
+// True for a handle that writes a new file: create, or an unknown token.
+inline bool isWriting(const TOVO_Sensor &h) {
+    return h.accessMode != TOVO_ACCESS_QUERY && h.accessMode != TOVO_ACCESS_UPDATE;
+}
+
+// Opens through SensorOpenDir with openId and builds the handle: create mode
+// writes the validation record and reserves the summary; read modes read
+// and check summary, line segments and time index. Null with *error set on
+// failure (nothing stays open). Any mode other than query and update
+// (an unknown token) is written like a create.
+TOVO_Sensor *openProfileSensor(const wchar_t *lineDirectory, std::uint32_t openId, const wchar_t *token,
+                               int *error, const ProfileFamily &f, std::unique_ptr<ProfileState> state);
+
+// Writes summary, line segments and time index of a create handle with
+// profiles (and summary and segments of an update handle whose status
+// changed when saveDirtyStatus), closes the data file (deleting it when
+// nothing was written) and frees the handle. The first failure's code.
+int closeProfileSensor(TOVO_Sensor *h, const ProfileFamily &f, bool saveDirtyStatus);
+
+// The summary behind a fresh validation record at the file's start.
+int writeSummary(TOVO_Sensor &h, ProfileState &s);
+
+// Writing. beginProfile adds the time index entry and writes the header
+// {status, layout, encoded time, extra...}; writeBeam appends one beam of
+// the open profile. Both keep the counts and the reposition flag.
+int beginProfile(TOVO_Sensor &h, ProfileState &s, std::uint32_t beams, std::uint32_t firstBeam, double time,
+                 std::uint32_t status, const std::uint32_t *extra, unsigned extraCount, bool widenTime);
+int writeBeam(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words, double beamTime);
+int endProfile(TOVO_Sensor &h, ProfileState &s);
+// Word 1 of a beam: status bits over the 16-bit time offset from the ping.
+std::uint32_t statusAndOffset(const TOVO_Sensor &h, const ProfileState &s, double beamTime, std::uint32_t status);
+// The beam time that word 1 carries.
+double beamTime(const TOVO_Sensor &h, double profileTime, std::uint32_t word1);
+
+// Segments of the handle: begin (create mode), end, status.
+int beginProfileSegment(TOVO_Sensor &h, ProfileState &s, const wchar_t *name);
+int endProfileSegment(TOVO_Sensor &h, ProfileState &s, std::uint32_t status);
+int setSegmentStatus(TOVO_Sensor &h, ProfileState &s, int segmentNumber, std::uint32_t status);
+// Segment n's name (a malloc'ed copy), range and extents.
+int describeSegment(TOVO_Sensor &h, ProfileState &s, int segmentNumber, wchar_t **name, std::uint32_t *begin,
+                    std::uint32_t *end, Extent *extents, int extentCount, std::uint32_t *status);
+// The segment whose profile range holds profile, or null.
+_TOVO_LnSeg *segmentOfProfile(TOVO_Sensor &h, std::uint32_t profile);
+
+// Reading. Positions are checked against the time index and the file: a
+// header whose beams would run into the next profile or past the end of the
+// file is refused with decodeReason.
+int seekData(TOVO_Sensor &h, ProfileState &s, std::uint64_t offset, int seekReason);
+int readRecord(TOVO_Sensor &h, ProfileState &s, unsigned bytes, std::uint32_t *words, int decodeReason);
+int parseHeader(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words, ProfileHeader &out);
+// Where the beams of the profile whose header is at offset must end.
+std::uint64_t profileLimit(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile);
+// Maps, seeks to and reads header number profile into s.header, leaving
+// the file behind it.
+int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decodeReason);
+// Reads one beam: no seek when it follows the last beam read in the same
+// profile and nothing moved the file since.
+int readBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std::uint32_t beam, std::uint32_t *words,
+             int beamRangeReason);
+// Reads a beam for an edit (header from the cache when it is the profile in
+// hand) and reports its byte offset.
+int loadBeamForEdit(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std::uint32_t beam,
+                    std::uint32_t *words, std::uint32_t &offset);
+// Writes the beam back in place and flushes.
+int storeBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t offset, const std::uint32_t *words);
+// Sequential reads at the current file position.
+int readHeaderSeq(TOVO_Sensor &h, ProfileState &s, ProfileHeader &out);
+int readBeamSeq(TOVO_Sensor &h, ProfileState &s, std::uint32_t *words);
+
+inline std::int32_t asSigned(std::uint32_t w) { return static_cast<std::int32_t>(w); }
+inline std::uint32_t asWord(std::int32_t v) { return static_cast<std::uint32_t>(v); }
+
+}  // namespace velmio
+
+#endif

@@ -1,0 +1,276 @@
+// Slant range: profiles of beam ranges, statuses edited in place on disk.
+#include <velmio/encoding.h>
+#include <velmio/linestore.h>
+#include <velmio/slant_range.h>
+
+#include "encoding/rounding.h"
+#include "sensors/profile_cursor.h"
+
+#include <memory>
+#include <new>
+
+using namespace velmio;
+
+namespace {
+
+constexpr int kTime = 0;
+
+// Summary units: status, tool type, profiles, beams, time scale, depth time
+// scale, reference time, min/max time.
+void summaryToWords(const TOVO_Sensor &h, std::uint32_t *w) {
+    w[0] = h.summaryStatus;
+    w[1] = h.familyWords[1];
+    w[2] = h.recordCount;
+    w[3] = h.familyWords[0];
+    w[4] = asWord(h.timeScale);
+    w[5] = asWord(h.depthTimeScale);
+    w[6] = asWord(h.referenceTime);
+    w[7] = asWord(TOVO_EncodeTime(h.extents[kTime].min, h.referenceTime, h.timeScale));
+    w[8] = asWord(TOVO_EncodeTime(h.extents[kTime].max, h.referenceTime, h.timeScale));
+}
+
+bool summaryFromWords(TOVO_Sensor &h, const std::uint32_t *w) {
+    if (asSigned(w[4]) <= 0 || asSigned(w[5]) <= 0) return false;
+    h.summaryStatus = w[0];
+    h.familyWords[1] = w[1];
+    h.recordCount = w[2];
+    h.familyWords[0] = w[3];
+    h.timeScale = asSigned(w[4]);
+    h.depthTimeScale = asSigned(w[5]);
+    h.referenceTime = asSigned(w[6]);
+    h.extents[kTime] = {TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[7])),
+                        TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[8]))};
+    return true;
+}
+
+const ProfileFamily kSlantRange = {
+    30,
+    5001900,
+    36, 20, 16,     // summary, header, beam bytes
+    2,              // format version written
+    kOutOfRange, kReadFailed,
+    {0, 0, false},  // version 1 files share the layout
+    5001914,
+    false,
+    summaryToWords, summaryFromWords,
+    {1, {ExtentKind::Time}, 5001901, nullptr, 5001903, 5001902, 5001926, nullptr, nullptr, nullptr, nullptr},
+};
+
+int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enterProfile(h, kSlantRange, modes, s); }
+
+// Beam angles travel in ten-thousandths, two to a word.
+std::uint32_t packAngles(double first, double second) {
+    const auto a = static_cast<std::uint32_t>(nint(first * 10000.0)) & 0xFFFFu;
+    const auto b = static_cast<std::uint32_t>(nint(second * 10000.0)) & 0xFFFFu;
+    return (a << 16) | b;
+}
+
+double unpackAngle(std::uint32_t half) { return static_cast<std::int16_t>(half & 0xFFFFu) / 10000.0; }
+
+void fillBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w, double *time, double *range,
+              double *value, double *angle1, double *angle2, unsigned int *status) {
+    *time = beamTime(h, s.profileTime, w[0]);
+    *range = TOVO_DecodeMeters(asSigned(w[1]));
+    *value = asSigned(w[2]) / 1000000.0;
+    *angle1 = unpackAngle(w[3] >> 16);
+    *angle2 = unpackAngle(w[3]);
+    *status = w[0] & 0xFFFF0000u;
+}
+
+void fillHeader(const ProfileHeader &p, unsigned int *numberOfBeams, unsigned int *firstBeam, double *time,
+                double *angle1, double *angle2, unsigned int *status) {
+    *numberOfBeams = p.beamCount;
+    *firstBeam = p.firstBeam;
+    *time = p.time;
+    *angle1 = TOVO_DecodeRadians(asSigned(p.words[3]));
+    *angle2 = TOVO_DecodeRadians(asSigned(p.words[4]));
+    *status = p.status;
+}
+
+// Reads check the profile number against the beam total, as files have
+// always been read; the time index refuses what lies beyond the profiles.
+bool withinBeamTotal(const TOVO_Sensor &h, std::uint32_t profile) {
+    return profile >= 1 && profile <= h.familyWords[0];
+}
+
+}  // namespace
+
+extern "C" {
+
+VELMIO_API TOVO_Sensor *SLRangeOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken, int *errorCode) {
+    std::unique_ptr<ProfileState> state(new (std::nothrow) ProfileState(kSlantRange));
+    if (!state) {
+        if (errorCode) *errorCode = kNoMemory;
+        return nullptr;
+    }
+    return openProfileSensor(lineDirectory, 30, accessToken, errorCode, kSlantRange, std::move(state));
+}
+
+VELMIO_API int SLRangeClose(TOVO_Sensor *handle) { return closeProfileSensor(handle, kSlantRange, true); }
+
+VELMIO_API int SLRangeSummary(TOVO_Sensor *handle, unsigned int *toolType, unsigned int *numberOfLineSegments,
+                              unsigned int *numberOfProfiles, unsigned int *numberOfBeams, double *minTime,
+                              double *maxTime, unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kAnyMode, s)) return rc;
+    if (toolType) *toolType = handle->familyWords[1];
+    if (numberOfLineSegments) *numberOfLineSegments = handle->segmentCount;
+    if (numberOfProfiles) *numberOfProfiles = handle->recordCount;
+    if (numberOfBeams) *numberOfBeams = handle->familyWords[0];
+    if (minTime) *minTime = handle->extents[kTime].min;
+    if (maxTime) *maxTime = handle->extents[kTime].max;
+    if (status) *status = handle->summaryStatus;
+    return 0;
+}
+
+VELMIO_API int SLRangeLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **sourceName,
+                                  unsigned int *beginIndex, unsigned int *endIndex, double *minTime, double *maxTime,
+                                  unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kAnyMode, s)) return rc;
+    if (!sourceName || !beginIndex || !endIndex || !minTime || !maxTime || !status) return -1;
+    Extent time;
+    if (const int rc = describeSegment(*handle, *s, segmentNumber, sourceName, beginIndex, endIndex, &time, 1, status))
+        return rc;
+    *minTime = time.min;
+    *maxTime = time.max;
+    return 0;
+}
+
+VELMIO_API int SLRangeReadProfile(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int *numberOfBeams,
+                                  unsigned int *firstBeam, double *time, double *angle1, double *angle2,
+                                  unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kReadModes, s)) return rc;
+    if (!numberOfBeams || !firstBeam || !time || !angle1 || !angle2 || !status) return -1;
+    if (!withinBeamTotal(*handle, profileNumber)) return kSlantRange.code(kOutOfRange);
+    if (const int rc = loadHeader(*handle, *s, profileNumber, kNotDecoded)) return rc;
+    s->profileTime = s->header.time;
+    fillHeader(s->header, numberOfBeams, firstBeam, time, angle1, angle2, status);
+    return 0;
+}
+
+VELMIO_API int SLRangeRead(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,
+                           double *beamTime, double *range, double *value, double *beamAngle1, double *beamAngle2,
+                           unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kReadModes, s)) return rc;
+    if (!beamTime || !range || !value || !beamAngle1 || !beamAngle2 || !status) return -1;
+    if (!withinBeamTotal(*handle, profileNumber)) return kSlantRange.code(kOutOfRange);
+    std::uint32_t words[kMaxRecordWords];
+    if (const int rc = readBeam(*handle, *s, profileNumber, beamNumber, words, kOutOfRange)) return rc;
+    fillBeam(*handle, *s, words, beamTime, range, value, beamAngle1, beamAngle2, status);
+    return 0;
+}
+
+VELMIO_API int SLRangeReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeams, unsigned int *firstBeam,
+                                     double *time, double *angle1, double *angle2, unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kQueryMode, s)) return rc;
+    if (!numberOfBeams || !firstBeam || !time || !angle1 || !angle2 || !status) return -1;
+    ProfileHeader header;
+    if (const int rc = readHeaderSeq(*handle, *s, header)) return rc;
+    fillHeader(header, numberOfBeams, firstBeam, time, angle1, angle2, status);
+    return 0;
+}
+
+VELMIO_API int SLRangeReadSeq(TOVO_Sensor *handle, double *beamTime, double *range, double *value,
+                              double *beamAngle1, double *beamAngle2, unsigned int *status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kQueryMode, s)) return rc;
+    if (!beamTime || !range || !value || !beamAngle1 || !beamAngle2 || !status) return -1;
+    std::uint32_t words[kMaxRecordWords];
+    if (const int rc = readBeamSeq(*handle, *s, words)) return rc;
+    fillBeam(*handle, *s, words, beamTime, range, value, beamAngle1, beamAngle2, status);
+    return 0;
+}
+
+VELMIO_API int SLRangeBgnSeqWriteSummary(TOVO_Sensor *handle, unsigned int toolType) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    handle->familyWords[1] = toolType;
+    return 0;
+}
+
+VELMIO_API int SLRangeBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    return beginProfileSegment(*handle, *s, sourceName);
+}
+
+VELMIO_API int SLRangeBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams, unsigned int firstBeam,
+                                         double time, double angle1, double angle2, unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    const std::uint32_t angles[2] = {asWord(TOVO_EncodeRadians(angle1)), asWord(TOVO_EncodeRadians(angle2))};
+    return beginProfile(*handle, *s, numberOfBeams, firstBeam, time, status, angles, 2, true);
+}
+
+VELMIO_API int SLRangeSeqWrite(TOVO_Sensor *handle, double beamTime, double range, double value, double beamAngle1,
+                               double beamAngle2, unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    // The value is truncated, unlike the rounded beam angles.
+    const std::uint32_t words[4] = {statusAndOffset(*handle, *s, beamTime, status),
+                                    asWord(TOVO_EncodeMeters(range)), asWord(truncToInt32(value * 1000000.0)),
+                                    packAngles(beamAngle1, beamAngle2)};
+    return writeBeam(*handle, *s, words, beamTime);
+}
+
+VELMIO_API int SLRangeEndSeqWriteProfile(TOVO_Sensor *handle) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    return endProfile(*handle, *s);
+}
+
+VELMIO_API int SLRangeEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    return endProfileSegment(*handle, *s, status);
+}
+
+VELMIO_API int SLRangeEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    handle->summaryStatus = status;
+    return 0;
+}
+
+VELMIO_API int SLRangeSetToolType(TOVO_Sensor *handle, unsigned int toolType) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kAnyMode, s)) return rc;
+    handle->familyWords[1] = toolType;
+    s->statusDirty = true;
+    return 0;
+}
+
+VELMIO_API int SLRangeSetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kAnyMode, s)) return rc;
+    handle->summaryStatus = status;
+    s->statusDirty = true;
+    return 0;
+}
+
+VELMIO_API int SLRangeSetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kUpdateMode, s)) return rc;
+    return setSegmentStatus(*handle, *s, segmentNumber, status);
+}
+
+VELMIO_API int SLRangeUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,
+                                   unsigned int status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kUpdateMode, s)) return rc;
+    if (s->formatVersion != 2) return 0;
+    if (profileNumber < 1 || profileNumber > handle->recordCount) return kSlantRange.code(kOutOfRange);
+    std::uint32_t words[kMaxRecordWords];
+    std::uint32_t offset = 0;
+    if (const int rc = loadBeamForEdit(*handle, *s, profileNumber, beamNumber, words, offset)) return rc;
+    words[0] = (words[0] & 0xFFFFu) | status;
+    return storeBeam(*handle, *s, offset, words);
+}
+
+VELMIO_API int SLRangeRemoveDir(const wchar_t *lineDirectory) { return SensorRemoveDir(lineDirectory, L"SLRange"); }
+
+}  // extern "C"

@@ -1,0 +1,370 @@
+// Total propagated error: profiles of per-beam error estimates, read through
+// the block reader when VelmIOCacheSize asks for it.
+#include <velmio/block_reader.hpp>
+#include <velmio/encoding.h>
+#include <velmio/linestore.h>
+#include <velmio/tpe.h>
+
+#include "encoding/rounding.h"
+#include "sensors/profile_cursor.h"
+
+#include <cctype>
+#include <climits>
+#include <cstdlib>
+#include <memory>
+#include <new>
+
+using namespace velmio;
+
+namespace {
+
+constexpr int kTime = 0;  // handle extents; the segments keep time only
+constexpr int kError1 = 1;
+constexpr int kError2 = 2;
+
+// Errors travel in thousandths, truncated toward zero.
+std::uint32_t encodeError(double value) { return asWord(truncToInt32(value * 1000.0)); }
+double decodeError(std::uint32_t word) { return asSigned(word) / 1000.0; }
+
+// Summary units: status, two tool types, profiles, beams, time scale, depth
+// time scale, reference time, min/max time, min/max of each error, then 16
+// reserved bytes written as zeros.
+void summaryToWords(const TOVO_Sensor &h, std::uint32_t *w) {
+    w[0] = h.summaryStatus;
+    w[1] = h.familyWords[1];
+    w[2] = h.familyWords[2];
+    w[3] = h.recordCount;
+    w[4] = h.familyWords[0];
+    w[5] = asWord(h.timeScale);
+    w[6] = asWord(h.depthTimeScale);
+    w[7] = asWord(h.referenceTime);
+    w[8] = asWord(TOVO_EncodeTime(h.extents[kTime].min, h.referenceTime, h.timeScale));
+    w[9] = asWord(TOVO_EncodeTime(h.extents[kTime].max, h.referenceTime, h.timeScale));
+    w[10] = encodeError(h.extents[kError1].min);
+    w[11] = encodeError(h.extents[kError1].max);
+    w[12] = encodeError(h.extents[kError2].min);
+    w[13] = encodeError(h.extents[kError2].max);
+    w[14] = w[15] = w[16] = w[17] = 0;
+}
+
+bool summaryFromWords(TOVO_Sensor &h, const std::uint32_t *w) {
+    if (asSigned(w[5]) <= 0 || asSigned(w[6]) <= 0) return false;
+    h.summaryStatus = w[0];
+    h.familyWords[1] = w[1];
+    h.familyWords[2] = w[2];
+    h.recordCount = w[3];
+    h.familyWords[0] = w[4];
+    h.timeScale = asSigned(w[5]);
+    h.depthTimeScale = asSigned(w[6]);
+    h.referenceTime = asSigned(w[7]);
+    h.extents[kTime] = {TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[8])),
+                        TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[9]))};
+    h.extents[kError1] = {decodeError(w[10]), decodeError(w[11])};
+    h.extents[kError2] = {decodeError(w[12]), decodeError(w[13])};
+    return true;
+}
+
+const ProfileFamily kTpe = {
+    52,
+    5002700,
+    72, 16, 12,     // summary, header, beam bytes
+    1,              // format version written
+    kOwnBeamRange,
+    kReadFailed,
+    {0, 0, false},
+    0,              // the time index's own code passes through
+    false,
+    summaryToWords, summaryFromWords,
+    {1, {ExtentKind::Time}, 5002701, nullptr, 5002703, 5002702, 5002726, nullptr, nullptr, nullptr, nullptr},
+};
+
+class TpeState : public ProfileState {
+public:
+    TpeState() : ProfileState(kTpe) {}
+    ~TpeState() override { destroy(reader); }
+    TpeState(const TpeState &) = delete;
+    TpeState &operator=(const TpeState &) = delete;
+
+    VELMBlockReader *reader = nullptr;  // null or off: the direct path
+};
+
+int enter(TOVO_Sensor *h, unsigned modes, TpeState *&t) {
+    ProfileState *s = nullptr;
+    const int rc = enterProfile(h, kTpe, modes, s);
+    t = static_cast<TpeState *>(s);
+    return rc;
+}
+
+// VelmIOCacheSize as a plain decimal: unset, "0", text and negative numbers
+// give 0; a number too large for the type saturates (and is then bounded by
+// the line's profile count).
+unsigned int cacheSizeFromEnvironment() {
+    const char *text = std::getenv("VelmIOCacheSize");
+    if (!text) return 0;
+    while (std::isspace(static_cast<unsigned char>(*text))) ++text;
+    if (*text == '-') return 0;
+    if (*text == '+') ++text;
+    unsigned long long value = 0;
+    for (; *text >= '0' && *text <= '9'; ++text) {
+        value = value * 10 + static_cast<unsigned>(*text - '0');
+        if (value > UINT_MAX) return UINT_MAX;
+    }
+    return static_cast<unsigned int>(value);
+}
+
+bool cacheOn(const TpeState &t) { return getCacheSize(t.reader) != 0; }
+
+// The record words of the block reader's current record.
+int readFromBlock(TOVO_Sensor &h, TpeState &t, unsigned bytes, std::uint32_t *words) {
+    if (!BlockIOFread(t.reader, t.buffer, bytes)) return kTpe.code(kReadFailed);
+    xdr::XDR &x = h.decodeStream;
+    xdr::xdrmem_create(&x, reinterpret_cast<char *>(t.buffer), bytes, xdr::XDR_DECODE);
+    for (unsigned i = 0; i < bytes / 4; ++i) {
+        unsigned int w = 0;
+        if (!xdr::xdr_u_int(&x, &w)) return kTpe.code(kNotDecoded);
+        words[i] = w;
+    }
+    return 0;
+}
+
+// The current block record's header; its beams must lie within the record,
+// as the direct path demands they lie before the next profile.
+int headerFromBlock(TOVO_Sensor &h, TpeState &t, ProfileHeader &header) {
+    std::uint32_t words[kMaxRecordWords];
+    if (const int rc = readFromBlock(h, t, kTpe.headerBytes, words)) return rc;
+    parseHeader(h, t, words, header);
+    const long end = static_cast<long>(kTpe.headerBytes + header.beamCount * kTpe.beamBytes);
+    if (header.beamCount > 0 && !setByteOffset(t.reader, end - 1, 0)) return kTpe.code(kNotDecoded);
+    setByteOffset(t.reader, kTpe.headerBytes, 0);
+    // The file position is now the block reader's.
+    t.repositionNeeded = 1;
+    t.profileTime = header.time;
+    return 0;
+}
+
+void fillHeader(const ProfileHeader &p, unsigned int *numberOfBeams, unsigned int *firstBeam, double *time,
+                unsigned int *profileWord, unsigned int *status) {
+    *numberOfBeams = p.beamCount;
+    *firstBeam = p.firstBeam;
+    *time = p.time;
+    *profileWord = p.words[3];
+    *status = p.status;
+}
+
+void fillBeam(const TOVO_Sensor &h, double profileTime, const std::uint32_t *w, double *time, double *error1,
+              double *error2, unsigned int *status) {
+    *time = beamTime(h, profileTime, w[0]);
+    *error1 = decodeError(w[1]);
+    *error2 = decodeError(w[2]);
+    *status = w[0] & 0xFFFF0000u;
+}
+
+bool withinBeamTotal(const TOVO_Sensor &h, std::uint32_t profile) {
+    return profile >= 1 && profile <= h.familyWords[0];
+}
+
+}  // namespace
+
+extern "C" {
+
+VELMIO_API TOVO_Sensor *TPEOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken, int *errorCode) {
+    std::unique_ptr<TpeState> state(new (std::nothrow) TpeState);
+    if (!state) {
+        if (errorCode) *errorCode = kNoMemory;
+        return nullptr;
+    }
+    TpeState *t = state.get();
+    TOVO_Sensor *h = openProfileSensor(lineDirectory, 52, accessToken, errorCode, kTpe, std::move(state));
+    if (!h || isWriting(*h)) return h;
+    // Set up once the time index is read, so that the cache is bounded by
+    // the line's profile count.
+    if (const int rc = initialise(h, cacheSizeFromEnvironment(), &t->reader)) {
+        closeProfileSensor(h, kTpe, false);
+        if (errorCode) *errorCode = rc;
+        return nullptr;
+    }
+    return h;
+}
+
+VELMIO_API int TPEClose(TOVO_Sensor *handle) { return closeProfileSensor(handle, kTpe, true); }
+
+VELMIO_API int TPESummary(TOVO_Sensor *handle, unsigned int *numberOfLineSegments, unsigned int *numberOfProfiles,
+                          unsigned int *numberOfBeams, double *minTime, double *maxTime, unsigned int *toolType1,
+                          unsigned int *toolType2, double *minError1, double *maxError1, double *minError2,
+                          double *maxError2, unsigned int *status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kAnyMode, t)) return rc;
+    // Error ranges as the file keeps them, in whole thousandths.
+    auto stored = [](double v) { return decodeError(encodeError(v)); };
+    if (numberOfLineSegments) *numberOfLineSegments = handle->segmentCount;
+    if (numberOfProfiles) *numberOfProfiles = handle->recordCount;
+    if (numberOfBeams) *numberOfBeams = handle->familyWords[0];
+    if (minTime) *minTime = handle->extents[kTime].min;
+    if (maxTime) *maxTime = handle->extents[kTime].max;
+    if (toolType1) *toolType1 = handle->familyWords[1];
+    if (toolType2) *toolType2 = handle->familyWords[2];
+    if (minError1) *minError1 = stored(handle->extents[kError1].min);
+    if (maxError1) *maxError1 = stored(handle->extents[kError1].max);
+    if (minError2) *minError2 = stored(handle->extents[kError2].min);
+    if (maxError2) *maxError2 = stored(handle->extents[kError2].max);
+    if (status) *status = handle->summaryStatus;
+    return 0;
+}
+
+VELMIO_API int TPELineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **sourceName, unsigned int *beginIndex,
+                              unsigned int *endIndex, double *minTime, double *maxTime, unsigned int *status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kAnyMode, t)) return rc;
+    if (!sourceName || !beginIndex || !endIndex || !minTime || !maxTime || !status) return -1;
+    Extent time;
+    if (const int rc = describeSegment(*handle, *t, segmentNumber, sourceName, beginIndex, endIndex, &time, 1, status))
+        return rc;
+    *minTime = time.min;
+    *maxTime = time.max;
+    return 0;
+}
+
+VELMIO_API int TPEReadProfile(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int *numberOfBeams,
+                              unsigned int *firstBeam, double *time, unsigned int *profileWord, unsigned int *status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kReadModes, t)) return rc;
+    if (!numberOfBeams || !firstBeam || !time || !profileWord || !status) return -1;
+    if (!withinBeamTotal(*handle, profileNumber)) return kTpe.code(kOutOfRange);
+    if (readRecord(t->reader, profileNumber) == 0) {
+        ProfileHeader header;
+        if (const int rc = headerFromBlock(*handle, *t, header)) return rc;
+        fillHeader(header, numberOfBeams, firstBeam, time, profileWord, status);
+        return 0;
+    }
+    if (const int rc = loadHeader(*handle, *t, profileNumber, kNotDecoded)) return rc;
+    t->profileTime = t->header.time;
+    fillHeader(t->header, numberOfBeams, firstBeam, time, profileWord, status);
+    return 0;
+}
+
+VELMIO_API int TPERead(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber, double *beamTime,
+                       double *error1, double *error2, unsigned int *status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kReadModes, t)) return rc;
+    if (!beamTime || !error1 || !error2 || !status) return -1;
+    if (!withinBeamTotal(*handle, profileNumber)) return kTpe.code(kOutOfRange);
+    std::uint32_t words[kMaxRecordWords];
+    if (readRecord(t->reader, profileNumber) == 0) {
+        ProfileHeader header;
+        if (const int rc = headerFromBlock(*handle, *t, header)) return rc;
+        if (!header.holds(beamNumber)) return kTpe.code(kTpe.beamRangeReason);
+        if (!setByteOffset(t->reader, static_cast<long>((beamNumber - header.firstBeam) * kTpe.beamBytes), 1))
+            return kTpe.code(kSeekFailed);
+        if (const int rc = readFromBlock(*handle, *t, kTpe.beamBytes, words)) return rc;
+    } else if (const int rc = readBeam(*handle, *t, profileNumber, beamNumber, words, kTpe.beamRangeReason)) {
+        return rc;
+    }
+    fillBeam(*handle, t->profileTime, words, beamTime, error1, error2, status);
+    return 0;
+}
+
+VELMIO_API int TPEReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeams, unsigned int *firstBeam,
+                                 double *time, unsigned int *profileWord, unsigned int *status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kQueryMode, t)) return rc;
+    if (!numberOfBeams || !firstBeam || !time || !profileWord || !status) return -1;
+    ProfileHeader header;
+    if (cacheOn(*t)) {
+        // Past the last profile (or on an unusable index) the file position
+        // is the block reader's, so there is no direct read to fall back on.
+        if (readRecordSeq(t->reader) != 0) return kTpe.code(kReadFailed);
+        if (const int rc = headerFromBlock(*handle, *t, header)) return rc;
+    } else if (const int rc = readHeaderSeq(*handle, *t, header)) {
+        return rc;
+    }
+    fillHeader(header, numberOfBeams, firstBeam, time, profileWord, status);
+    return 0;
+}
+
+VELMIO_API int TPEReadSeq(TOVO_Sensor *handle, double *beamTime, double *error1, double *error2,
+                          unsigned int *status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kQueryMode, t)) return rc;
+    if (!beamTime || !error1 || !error2 || !status) return -1;
+    std::uint32_t words[kMaxRecordWords];
+    const int rc = cacheOn(*t) ? readFromBlock(*handle, *t, kTpe.beamBytes, words) : readBeamSeq(*handle, *t, words);
+    if (rc) return rc;
+    fillBeam(*handle, t->profileTime, words, beamTime, error1, error2, status);
+    return 0;
+}
+
+VELMIO_API int TPEBgnSeqWriteSummary(TOVO_Sensor *handle) {
+    TpeState *t = nullptr;
+    return enter(handle, kCreateMode, t);
+}
+
+VELMIO_API int TPEBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kCreateMode, t)) return rc;
+    return beginProfileSegment(*handle, *t, sourceName);
+}
+
+VELMIO_API int TPEBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams, unsigned int firstBeam,
+                                     double time, unsigned int profileWord, unsigned int status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kCreateMode, t)) return rc;
+    const std::uint32_t extra[1] = {profileWord};
+    return beginProfile(*handle, *t, numberOfBeams, firstBeam, time, status, extra, 1, true);
+}
+
+VELMIO_API int TPESeqWrite(TOVO_Sensor *handle, double beamTime, double error1, double error2, unsigned int status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kCreateMode, t)) return rc;
+    const std::uint32_t words[3] = {statusAndOffset(*handle, *t, beamTime, status), encodeError(error1),
+                                    encodeError(error2)};
+    if (const int rc = writeBeam(*handle, *t, words, beamTime)) return rc;
+    handle->extents[kError1].widen(error1);
+    handle->extents[kError2].widen(error2);
+    return 0;
+}
+
+VELMIO_API int TPEEndSeqWriteProfile(TOVO_Sensor *handle) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kCreateMode, t)) return rc;
+    return endProfile(*handle, *t);
+}
+
+VELMIO_API int TPEEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kCreateMode, t)) return rc;
+    return endProfileSegment(*handle, *t, status);
+}
+
+VELMIO_API int TPEEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kCreateMode, t)) return rc;
+    handle->summaryStatus = status;
+    return 0;
+}
+
+VELMIO_API int TPESetToolType(TOVO_Sensor *handle, unsigned int toolType1, unsigned int toolType2) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kAnyMode, t)) return rc;
+    handle->familyWords[1] = toolType1;
+    handle->familyWords[2] = toolType2;
+    t->statusDirty = true;
+    return 0;
+}
+
+VELMIO_API int TPESetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kAnyMode, t)) return rc;
+    handle->summaryStatus = status;
+    t->statusDirty = true;
+    return 0;
+}
+
+VELMIO_API int TPESetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kUpdateMode, t)) return rc;
+    return setSegmentStatus(*handle, *t, segmentNumber, status);
+}
+
+VELMIO_API int TPERemoveDir(const wchar_t *lineDirectory) { return SensorRemoveDir(lineDirectory, L"TPE"); }
+
+}  // extern "C"

@@ -1,0 +1,94 @@
+// Random and sequential reads agree for every beam of a line of several
+// profiles and segments with varying beam counts and first beam numbers, in
+// every profile family and, for the total propagated error, whatever the
+// block reader's cache size.
+#include "sensors/profile_families.h"
+
+using namespace velmio::test;
+
+namespace {
+
+// Every beam, in file order, three ways: sequentially, by number in order
+// and by number backwards (which repositions at every beam).
+struct Reads {
+    std::vector<Values> sequential, inOrder, backwards;
+    unsigned long inOrderSeeks = 0;
+};
+
+Reads readAll(const Family &f, const std::wstring &dir) {
+    Reads r;
+    TOVO_Sensor *h = f.open(dir, L"query");
+    EXPECT_NE(h, nullptr);
+    if (!h) return r;
+    Values v;
+    for (unsigned p = 1; p <= kProfiles; ++p) {
+        unsigned count = 0;
+        EXPECT_EQ(f.readProfileSeq(h, count), 0) << f.name << " profile " << p;
+        EXPECT_EQ(count, kLayout[p - 1].count);
+        for (unsigned k = 0; k < count; ++k) {
+            EXPECT_EQ(f.readSeq(h, v), 0);
+            r.sequential.push_back(v);
+        }
+    }
+    const unsigned long before = seeksOf(h);
+    for (unsigned p = 1; p <= kProfiles; ++p)
+        for (unsigned k = 0; k < kLayout[p - 1].count; ++k) {
+            EXPECT_EQ(f.read(h, p, kLayout[p - 1].first + k, v), 0) << f.name << " " << p << "/" << k;
+            r.inOrder.push_back(v);
+        }
+    r.inOrderSeeks = seeksOf(h) - before;
+    for (unsigned p = kProfiles; p >= 1; --p)
+        for (unsigned k = kLayout[p - 1].count; k-- > 0;) {
+            EXPECT_EQ(f.read(h, p, kLayout[p - 1].first + k, v), 0);
+            r.backwards.insert(r.backwards.begin(), v);
+        }
+    EXPECT_EQ(f.close(h), 0);
+    return r;
+}
+
+void expectAgreement(const Family &f) {
+    TempDir dir;
+    writeLine(f, dir.wpath());
+    const Reads r = readAll(f, dir.wpath());
+    ASSERT_EQ(r.sequential.size(), 15u);
+    EXPECT_EQ(r.sequential, r.inOrder) << f.name;
+    EXPECT_EQ(r.sequential, r.backwards) << f.name;
+    // One seek per profile with beams, at its first beam.
+    EXPECT_EQ(r.inOrderSeeks, 5u) << f.name;
+    // What was written: the last beam of the last profile.
+    const Values &last = r.sequential.back();
+    EXPECT_NEAR(last[0], beamTimeOf(6, 4), 1e-9);
+    EXPECT_EQ(last.back(), statusOf(6, 4));
+}
+
+TEST(ObservedDepthsRead, RandomAndSequentialReadsAgreeOnEveryBeam) { expectAgreement(observedDepths()); }
+
+TEST(SlantRangeRead, RandomAndSequentialReadsAgreeOnEveryBeam) { expectAgreement(slantRange()); }
+
+TEST(TpeRead, RandomAndSequentialReadsAgreeOnEveryBeam) {
+    CacheSizeSetting direct(nullptr);
+    expectAgreement(tpe());
+}
+
+TEST(TpeRead, EveryCacheSizeReturnsTheSameValues) {
+    TempDir dir;
+    const Family f = tpe();
+    writeLine(f, dir.wpath());
+    Reads direct;
+    {
+        CacheSizeSetting unset(nullptr);
+        direct = readAll(f, dir.wpath());
+    }
+    ASSERT_EQ(direct.sequential.size(), 15u);
+    // "4" ends on a block of two profiles; "2" on a block of a single one
+    // whose beams run to the end of the file.
+    for (const char *setting : {"0", "abc", "64", "4", "2", "1", "99999999999"}) {
+        CacheSizeSetting cache(setting);
+        const Reads cached = readAll(f, dir.wpath());
+        EXPECT_EQ(cached.sequential, direct.sequential) << setting;
+        EXPECT_EQ(cached.inOrder, direct.inOrder) << setting;
+        EXPECT_EQ(cached.backwards, direct.backwards) << setting;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,152 @@
+#include <velmio/slant_range.h>
+
+#include "sensors/profile_test_support.h"
+
+#include <vector>
+
+using namespace velmio::test;
+
+namespace {
+
+// One profile of beams 3-4 at 60 s (reference time 1 minute).
+void writeLine(const std::wstring &dir) {
+    int error = -1;
+    TOVO_Sensor *h = SLRangeOpenDir(dir.c_str(), L"create", &error);
+    ASSERT_NE(h, nullptr);
+    ASSERT_EQ(SLRangeBgnSeqWriteSummary(h, 11), 0);
+    ASSERT_EQ(SLRangeBgnSeqWriteLineSegment(h, L"s1"), 0);
+    ASSERT_EQ(SLRangeBgnSeqWriteProfile(h, 2, 3, 60.0, 0.5, -0.25, 0x100), 0);
+    ASSERT_EQ(SLRangeSeqWrite(h, 60.002, 12.5, 1.2345678, -0.00005, 0.00005, 0x40000000u), 0);
+    ASSERT_EQ(SLRangeSeqWrite(h, 59.999, 3.0, -0.0000015, 0.1, -3.2767, 0), 0);
+    ASSERT_EQ(SLRangeEndSeqWriteProfile(h), 0);
+    ASSERT_EQ(SLRangeEndSeqWriteLineSegment(h, 1), 0);
+    ASSERT_EQ(SLRangeEndSeqWriteSummary(h, 2), 0);
+    ASSERT_EQ(SLRangeClose(h), 0);
+}
+
+Bytes expectedData() {
+    return be32s({kTovo, 30, 1, 2,
+                  2, 11, 1, 2, 1000, 1000, 1, 0xFFFFFFFF, 2,          // summary
+                  0x100, 0x00020003, 0, 0x004C4B40, 0xFFD9DA60,        // header at 52
+                  // value truncated (1234567.8), angles rounded half away (-1, 1)
+                  0x40000002, 12500, 1234567, 0xFFFF0001,
+                  0x0000FFFF, 3000, 0xFFFFFFFF, 0x03E88001});
+}
+
+constexpr std::size_t kBeam4 = 88;  // second beam of profile 1
+
+struct Beam {
+    double time, range, value, angle1, angle2;
+    unsigned status;
+};
+
+int read(TOVO_Sensor *h, unsigned p, unsigned b, Beam &r) {
+    return SLRangeRead(h, p, b, &r.time, &r.range, &r.value, &r.angle1, &r.angle2, &r.status);
+}
+
+TEST(SlantRangeWrite, FilesMatchTheirLayoutsByteForByte) {
+    TempDir dir;
+    writeLine(dir.wpath());
+    EXPECT_TRUE(SameBytes(expectedData(), readFile(dir.file("SLRange"))));
+    Bytes segments = be32s({kTovo, 30, 2, 2, 1, 1, 2});
+    append(segments, xdrString("s1"));
+    append(segments, be32s({1, 1, 0xFFFFFFFF, 2}));
+    EXPECT_TRUE(SameBytes(segments, readFile(dir.file("SLRangeLineSegments"))));
+    EXPECT_TRUE(SameBytes(be32s({kTovo, 30, 3, 2, 1, 512, 1, 0, 0, 1, 0, 52}), readFile(dir.file("SLRangeTmIdx"))));
+
+    // Entry checks: null handle, then mode, then missing outputs.
+    EXPECT_EQ(SLRangeBgnSeqWriteSummary(nullptr, 0), 5001912);
+    int error = -1;
+    TOVO_Sensor *h = SLRangeOpenDir(dir.wpath().c_str(), L"create", &error);
+    ASSERT_NE(h, nullptr);
+    Beam b{};
+    EXPECT_EQ(read(h, 1, 1, b), 5001918);
+    EXPECT_EQ(SLRangeLineSegment(h, 1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), -1);
+    ASSERT_EQ(SLRangeClose(h), 0);
+    EXPECT_FALSE(fileExists(dir.file("SLRange")));
+}
+
+TEST(SlantRangeRead, DecodesTruncatedValuesAndRoundedAngles) {
+    TempDir dir;
+    writeLine(dir.wpath());
+    int error = -1;
+    TOVO_Sensor *h = SLRangeOpenDir(dir.wpath().c_str(), L"query", &error);
+    ASSERT_NE(h, nullptr);
+    unsigned tool, segments, profiles, beams, status;
+    double t0, t1;
+    ASSERT_EQ(SLRangeSummary(h, &tool, &segments, &profiles, &beams, &t0, &t1, &status), 0);
+    EXPECT_EQ(tool, 11u);
+    EXPECT_EQ(beams, 2u);
+    EXPECT_DOUBLE_EQ(t0, 59.999);
+    EXPECT_DOUBLE_EQ(t1, 60.002);
+    Beam b{};
+    ASSERT_EQ(read(h, 1, 3, b), 0);
+    EXPECT_EQ(std::vector<double>({b.time, b.range, b.value, b.angle1, b.angle2}),
+              std::vector<double>({60.002, 12.5, 1.234567, -0.0001, 0.0001}));
+    EXPECT_EQ(b.status, 0x40000000u);
+    ASSERT_EQ(read(h, 1, 4, b), 0);
+    EXPECT_DOUBLE_EQ(b.value, -0.000001);
+    EXPECT_DOUBLE_EQ(b.angle2, -3.2767);
+    EXPECT_EQ(read(h, 1, 2, b), 5001919);
+    EXPECT_EQ(read(h, 1, 5, b), 5001919);
+    // The profile bound is the beam total (2): profile 2 passes it and fails
+    // in the time index, profile 3 fails the bound.
+    EXPECT_EQ(read(h, 2, 3, b), 5001908);
+    EXPECT_EQ(read(h, 3, 3, b), 5001919);
+    EXPECT_EQ(SLRangeUpdateStatus(h, 1, 3, 0), 5001918);
+    EXPECT_EQ(SLRangeClose(h), 0);
+}
+
+TEST(SlantRangeUpdate, StatusChangesOnlyTheUpperBitsOnDiskAtOnce) {
+    TempDir dir;
+    writeLine(dir.wpath());
+    int error = -1;
+    TOVO_Sensor *h = SLRangeOpenDir(dir.wpath().c_str(), L"update", &error);
+    ASSERT_NE(h, nullptr);
+    Beam b{};
+    ASSERT_EQ(read(h, 1, 3, b), 0);
+    ASSERT_EQ(SLRangeUpdateStatus(h, 1, 4, 0x80000000u), 0);
+    // Seen by the next read, and already in the file before the close.
+    ASSERT_EQ(read(h, 1, 4, b), 0);
+    EXPECT_EQ(b.status, 0x80000000u);
+    EXPECT_DOUBLE_EQ(b.time, 59.999);
+    const Bytes expected = patched(expectedData(), kBeam4, 0x8000FFFFu);
+    EXPECT_TRUE(SameBytes(expected, readFile(dir.file("SLRange"))));
+    // Bounded by the profile count, not the beam total.
+    EXPECT_EQ(SLRangeUpdateStatus(h, 2, 3, 0), 5001919);
+    EXPECT_EQ(SLRangeUpdateStatus(h, 1, 5, 0), 5001919);
+    ASSERT_EQ(SLRangeClose(h), 0);
+    EXPECT_TRUE(SameBytes(expected, readFile(dir.file("SLRange"))));
+}
+
+TEST(SlantRangeUpdate, StatusSettersOfAnUpdateHandleAreSavedAtClose) {
+    TempDir dir;
+    writeLine(dir.wpath());
+    int error = -1;
+    TOVO_Sensor *h = SLRangeOpenDir(dir.wpath().c_str(), L"update", &error);
+    ASSERT_NE(h, nullptr);
+    ASSERT_EQ(SLRangeSetSummaryStatus(h, 0x77), 0);
+    ASSERT_EQ(SLRangeSetLineSegmentStatus(h, 1, 0x66), 0);
+    EXPECT_EQ(SLRangeSetLineSegmentStatus(h, 2, 0x66), 5001917);
+    ASSERT_EQ(SLRangeClose(h), 0);
+    EXPECT_TRUE(SameBytes(patched(expectedData(), 16, 0x77), readFile(dir.file("SLRange"))));
+    EXPECT_EQ(readFile(dir.file("SLRangeLineSegments")).at(23), 0x66);
+}
+
+TEST(SlantRangeUpdate, VersionOneFileIsLeftUnchanged) {
+    TempDir dir;
+    writeLine(dir.wpath());
+    const Bytes version1 = patched(expectedData(), 12, 1);
+    writeFile(dir.file("SLRange"), version1);
+    int error = -1;
+    TOVO_Sensor *h = SLRangeOpenDir(dir.wpath().c_str(), L"update", &error);
+    ASSERT_NE(h, nullptr);
+    EXPECT_EQ(SLRangeUpdateStatus(h, 1, 3, 0x80000000u), 0);
+    Beam b{};
+    ASSERT_EQ(read(h, 1, 3, b), 0);
+    EXPECT_EQ(b.status, 0x40000000u);
+    ASSERT_EQ(SLRangeClose(h), 0);
+    EXPECT_TRUE(SameBytes(version1, readFile(dir.file("SLRange"))));
+}
+
+}  // namespace
