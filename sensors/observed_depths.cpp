@@ -252,14 +252,11 @@ VELMIO_API int ObservedDepthsReadSeq(TOVO_Sensor *handle, double *time, double *
 }
 
 VELMIO_API int ObservedDepthsBgnSeqWriteSummary(TOVO_Sensor *handle) {
-    ProfileState *s = nullptr;
-    return enter(handle, kCreateMode, s);
+    return profileBgnSeqWriteSummary(handle, kObservedDepths);
 }
 
 VELMIO_API int ObservedDepthsBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    return beginProfileSegment(*handle, *s, sourceName);
+    return profileBgnSeqWriteLineSegment(handle, kObservedDepths, sourceName);
 }
 
 VELMIO_API int ObservedDepthsBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams,
@@ -285,44 +282,27 @@ VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y
 }
 
 VELMIO_API int ObservedDepthsEndSeqWriteProfile(TOVO_Sensor *handle) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    return endProfile(*handle, *s);
+    return profileEndSeqWriteProfile(handle, kObservedDepths);
 }
 
 VELMIO_API int ObservedDepthsEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    return endProfileSegment(*handle, *s, status);
+    return profileEndSeqWriteLineSegment(handle, kObservedDepths, status);
 }
 
 VELMIO_API int ObservedDepthsEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    handle->summaryStatus = status;
-    return 0;
+    return profileEndSeqWriteSummary(handle, kObservedDepths, status);
 }
 
 VELMIO_API int ObservedDepthsSetToolType(TOVO_Sensor *handle, unsigned int toolType) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    handle->familyWords[1] = toolType;
-    s->statusDirty = true;
-    return 0;
+    return profileSetToolTypes(handle, kObservedDepths, kAnyMode, toolType, nullptr);
 }
 
 VELMIO_API int ObservedDepthsSetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    handle->summaryStatus = status;
-    s->statusDirty = true;
-    return 0;
+    return profileSetSummaryStatus(handle, kObservedDepths, status);
 }
 
 VELMIO_API int ObservedDepthsSetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kUpdateMode, s)) return rc;
-    return setSegmentStatus(*handle, *s, segmentNumber, status);
+    return profileSetLineSegmentStatus(handle, kObservedDepths, segmentNumber, status);
 }
 
 VELMIO_API int ObservedDepthsUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,

@@ -401,4 +401,59 @@ int readBeamSeq(TOVO_Sensor &h, ProfileState &s, std::uint32_t *words) {
     return readRecord(h, s, s.geometry.beamBytes, words, kNotDecoded);
 }
 
+int profileBgnSeqWriteSummary(TOVO_Sensor *h, const ProfileFamily &f) {
+    ProfileState *s = nullptr;
+    return enterProfile(h, f, kCreateMode, s);
+}
+
+int profileBgnSeqWriteLineSegment(TOVO_Sensor *h, const ProfileFamily &f, const wchar_t *name) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
+    return beginProfileSegment(*h, *s, name);
+}
+
+int profileEndSeqWriteProfile(TOVO_Sensor *h, const ProfileFamily &f) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
+    return endProfile(*h, *s);
+}
+
+int profileEndSeqWriteLineSegment(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
+    return endProfileSegment(*h, *s, status);
+}
+
+int profileEndSeqWriteSummary(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
+    h->summaryStatus = status;
+    return 0;
+}
+
+int profileSetSummaryStatus(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, kAnyMode, s)) return rc;
+    h->summaryStatus = status;
+    s->statusDirty = true;
+    return 0;
+}
+
+int profileSetLineSegmentStatus(TOVO_Sensor *h, const ProfileFamily &f, int segmentNumber, std::uint32_t status) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, kUpdateMode, s)) return rc;
+    return setSegmentStatus(*h, *s, segmentNumber, status);
+}
+
+int profileSetToolTypes(TOVO_Sensor *h, const ProfileFamily &f, unsigned modes, std::uint32_t first,
+                        const std::uint32_t *second) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, modes, s)) return rc;
+    h->familyWords[1] = first;
+    if (second) h->familyWords[2] = *second;
+    // Only a setter outside writing marks the summary for saving.
+    if (modes != kCreateMode) s->statusDirty = true;
+    return 0;
+}
+
 }  // namespace velmio

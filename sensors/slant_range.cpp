@@ -186,16 +186,11 @@ VELMIO_API int SLRangeReadSeq(TOVO_Sensor *handle, double *beamTime, double *ran
 }
 
 VELMIO_API int SLRangeBgnSeqWriteSummary(TOVO_Sensor *handle, unsigned int toolType) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    handle->familyWords[1] = toolType;
-    return 0;
+    return profileSetToolTypes(handle, kSlantRange, kCreateMode, toolType, nullptr);
 }
 
 VELMIO_API int SLRangeBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    return beginProfileSegment(*handle, *s, sourceName);
+    return profileBgnSeqWriteLineSegment(handle, kSlantRange, sourceName);
 }
 
 VELMIO_API int SLRangeBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams, unsigned int firstBeam,
@@ -218,44 +213,27 @@ VELMIO_API int SLRangeSeqWrite(TOVO_Sensor *handle, double beamTime, double rang
 }
 
 VELMIO_API int SLRangeEndSeqWriteProfile(TOVO_Sensor *handle) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    return endProfile(*handle, *s);
+    return profileEndSeqWriteProfile(handle, kSlantRange);
 }
 
 VELMIO_API int SLRangeEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    return endProfileSegment(*handle, *s, status);
+    return profileEndSeqWriteLineSegment(handle, kSlantRange, status);
 }
 
 VELMIO_API int SLRangeEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    handle->summaryStatus = status;
-    return 0;
+    return profileEndSeqWriteSummary(handle, kSlantRange, status);
 }
 
 VELMIO_API int SLRangeSetToolType(TOVO_Sensor *handle, unsigned int toolType) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    handle->familyWords[1] = toolType;
-    s->statusDirty = true;
-    return 0;
+    return profileSetToolTypes(handle, kSlantRange, kAnyMode, toolType, nullptr);
 }
 
 VELMIO_API int SLRangeSetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    handle->summaryStatus = status;
-    s->statusDirty = true;
-    return 0;
+    return profileSetSummaryStatus(handle, kSlantRange, status);
 }
 
 VELMIO_API int SLRangeSetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kUpdateMode, s)) return rc;
-    return setSegmentStatus(*handle, *s, segmentNumber, status);
+    return profileSetLineSegmentStatus(handle, kSlantRange, segmentNumber, status);
 }
 
 VELMIO_API int SLRangeUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,

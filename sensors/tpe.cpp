@@ -294,14 +294,11 @@ VELMIO_API int TPEReadSeq(TOVO_Sensor *handle, double *beamTime, double *error1,
 }
 
 VELMIO_API int TPEBgnSeqWriteSummary(TOVO_Sensor *handle) {
-    TpeState *t = nullptr;
-    return enter(handle, kCreateMode, t);
+    return profileBgnSeqWriteSummary(handle, kTpe);
 }
 
 VELMIO_API int TPEBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
-    TpeState *t = nullptr;
-    if (const int rc = enter(handle, kCreateMode, t)) return rc;
-    return beginProfileSegment(*handle, *t, sourceName);
+    return profileBgnSeqWriteLineSegment(handle, kTpe, sourceName);
 }
 
 VELMIO_API int TPEBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams, unsigned int firstBeam,
@@ -324,45 +321,28 @@ VELMIO_API int TPESeqWrite(TOVO_Sensor *handle, double beamTime, double error1, 
 }
 
 VELMIO_API int TPEEndSeqWriteProfile(TOVO_Sensor *handle) {
-    TpeState *t = nullptr;
-    if (const int rc = enter(handle, kCreateMode, t)) return rc;
-    return endProfile(*handle, *t);
+    return profileEndSeqWriteProfile(handle, kTpe);
 }
 
 VELMIO_API int TPEEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
-    TpeState *t = nullptr;
-    if (const int rc = enter(handle, kCreateMode, t)) return rc;
-    return endProfileSegment(*handle, *t, status);
+    return profileEndSeqWriteLineSegment(handle, kTpe, status);
 }
 
 VELMIO_API int TPEEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
-    TpeState *t = nullptr;
-    if (const int rc = enter(handle, kCreateMode, t)) return rc;
-    handle->summaryStatus = status;
-    return 0;
+    return profileEndSeqWriteSummary(handle, kTpe, status);
 }
 
 VELMIO_API int TPESetToolType(TOVO_Sensor *handle, unsigned int toolType1, unsigned int toolType2) {
-    TpeState *t = nullptr;
-    if (const int rc = enter(handle, kAnyMode, t)) return rc;
-    handle->familyWords[1] = toolType1;
-    handle->familyWords[2] = toolType2;
-    t->statusDirty = true;
-    return 0;
+    const std::uint32_t second = toolType2;
+    return profileSetToolTypes(handle, kTpe, kAnyMode, toolType1, &second);
 }
 
 VELMIO_API int TPESetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
-    TpeState *t = nullptr;
-    if (const int rc = enter(handle, kAnyMode, t)) return rc;
-    handle->summaryStatus = status;
-    t->statusDirty = true;
-    return 0;
+    return profileSetSummaryStatus(handle, kTpe, status);
 }
 
 VELMIO_API int TPESetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
-    TpeState *t = nullptr;
-    if (const int rc = enter(handle, kUpdateMode, t)) return rc;
-    return setSegmentStatus(*handle, *t, segmentNumber, status);
+    return profileSetLineSegmentStatus(handle, kTpe, segmentNumber, status);
 }
 
 VELMIO_API int TPERemoveDir(const wchar_t *lineDirectory) { return SensorRemoveDir(lineDirectory, L"TPE"); }
