@@ -85,34 +85,42 @@ int VELMDataFile::GetSummaryAttribute(const MORVAUString &name, dataValue &value
     return GetSummaryAttribute(index, value, count);
 }
 
-int VELMDataFile::GetAllSummaryAttributes(std::vector<MORVAUString> &names, std::vector<dataType> &types,
-                                          std::vector<dataValue> &values, std::vector<int> &counts) {
-    const std::size_t n = summaryAttributes_.size();
+// Fresh copies of a list of attributes with their values: all of them, or
+// nothing and 5000009 when memory runs out.
+int VELMDataFile::CopyAttributes(const std::vector<Attribute> &attributes, const std::vector<dataValue> &values,
+                                 const std::vector<int> &counts, std::vector<MORVAUString> &outNames,
+                                 std::vector<dataType> &outTypes, std::vector<dataValue> &outValues,
+                                 std::vector<int> *outCounts) {
     std::vector<dataValue> copies;
     try {
-        std::vector<MORVAUString> outNames;
-        std::vector<dataType> outTypes;
-        std::vector<int> outCounts(summaryCounts_);
-        copies.reserve(n);
-        for (std::size_t i = 0; i < n; ++i) {
-            outNames.push_back(summaryAttributes_[i].name);
-            outTypes.push_back(summaryAttributes_[i].type);
+        std::vector<MORVAUString> names;
+        std::vector<dataType> types;
+        std::vector<int> countCopies(counts);
+        copies.reserve(attributes.size());
+        for (std::size_t i = 0; i < attributes.size(); ++i) {
+            names.push_back(attributes[i].name);
+            types.push_back(attributes[i].type);
             dataValue copy;
-            if (!copyValue(summaryAttributes_[i].type, summaryValues_[i], summaryCounts_[i], copy)) {
-                FreeValues(outTypes, copies);
+            if (!copyValue(attributes[i].type, values[i], counts[i], copy)) {
+                FreeValues(types, copies);
                 return kNoMemory;
             }
             copies.push_back(copy);
         }
-        names.swap(outNames);
-        types.swap(outTypes);
-        values.swap(copies);
-        counts.swap(outCounts);
+        outNames.swap(names);
+        outTypes.swap(types);
+        outValues.swap(copies);
+        if (outCounts) outCounts->swap(countCopies);
         return 0;
     } catch (const std::bad_alloc &) {
-        for (std::size_t i = 0; i < copies.size(); ++i) FreeValue(summaryAttributes_[i].type, copies[i]);
+        for (std::size_t i = 0; i < copies.size(); ++i) FreeValue(attributes[i].type, copies[i]);
         return kNoMemory;
     }
+}
+
+int VELMDataFile::GetAllSummaryAttributes(std::vector<MORVAUString> &names, std::vector<dataType> &types,
+                                          std::vector<dataValue> &values, std::vector<int> &counts) {
+    return CopyAttributes(summaryAttributes_, summaryValues_, summaryCounts_, names, types, values, &counts);
 }
 
 int VELMDataFile::GetAllSummaryAttributes(std::vector<MORVAUString> &names, std::vector<dataType> &types,
@@ -177,32 +185,7 @@ int VELMDataFile::GetDataAttribute(const MORVAUString &name, dataValue &value, i
 
 int VELMDataFile::GetAllDataAttributes(std::vector<MORVAUString> &names, std::vector<dataType> &types,
                                        std::vector<dataValue> &values, std::vector<int> *counts) {
-    const std::size_t n = dataAttributes_.size();
-    std::vector<dataValue> copies;
-    try {
-        std::vector<MORVAUString> outNames;
-        std::vector<dataType> outTypes;
-        std::vector<int> outCounts(currentCounts_);
-        copies.reserve(n);
-        for (std::size_t i = 0; i < n; ++i) {
-            outNames.push_back(dataAttributes_[i].name);
-            outTypes.push_back(dataAttributes_[i].type);
-            dataValue copy;
-            if (!copyValue(dataAttributes_[i].type, currentValues_[i], currentCounts_[i], copy)) {
-                FreeValues(outTypes, copies);
-                return kNoMemory;
-            }
-            copies.push_back(copy);
-        }
-        names.swap(outNames);
-        types.swap(outTypes);
-        values.swap(copies);
-        if (counts) counts->swap(outCounts);
-        return 0;
-    } catch (const std::bad_alloc &) {
-        for (std::size_t i = 0; i < copies.size(); ++i) FreeValue(dataAttributes_[i].type, copies[i]);
-        return kNoMemory;
-    }
+    return CopyAttributes(dataAttributes_, currentValues_, currentCounts_, names, types, values, counts);
 }
 
 int VELMDataFile::GetAttributesName(std::vector<MORVAUString> &names, std::vector<dataType> &types) {

@@ -46,6 +46,19 @@ public:
         track(reinterpret_cast<void **>(output));
         return *output;
     }
+    // The identification strings most entries carry.
+    template <class Entry>
+    void identity(const Entry &e, wchar_t **manufacturer, wchar_t **model, wchar_t **serialNumber) {
+        text(manufacturer, e.getManufacturer());
+        text(model, e.getModel());
+        text(serialNumber, e.getSerialNumber());
+    }
+    // The comment and authorization of every entry.
+    template <class Entry>
+    void notes(const Entry &e, wchar_t **comment, wchar_t **authorization) {
+        text(comment, e.getComment());
+        text(authorization, e.getAuthorization());
+    }
     int finish() {
         if (!failed_) return 0;
         for (void **output : handed_) {
@@ -126,14 +139,11 @@ VELMIO_API int VesselGyroSensorTmIdxConfig(VELMVesselHandle *vessel, double time
         if (int status = lookup(vessel, time, 5000412, 5000413, e)) return status;
         HandOut out;
         put(entryTime, e->getTimeStamp());
-        out.text(manufacturer, e->getManufacturer());
-        out.text(model, e->getModel());
-        out.text(serialNumber, e->getSerialNumber());
+        out.identity(*e, manufacturer, model, serialNumber);
         put(latency, e->getLatency());
         put(gyroOffset, e->getGyroOffset(0.0) * kRadiansPerDegree);
         put(applyFlag, e->getApplyFlag() ? 1 : 0);
-        out.text(comment, e->getComment());
-        out.text(authorization, e->getAuthorization());
+        out.notes(*e, comment, authorization);
         return out.finish();
     });
 }
@@ -153,15 +163,12 @@ VELMIO_API int VesselHeaveSensorTmIdxConfig(VELMVesselHandle *vessel, double tim
         double x, y, z;
         e->getOffsets(x, y, z);
         put(entryTime, e->getTimeStamp());
-        out.text(manufacturer, e->getManufacturer());
-        out.text(model, e->getModel());
-        out.text(serialNumber, e->getSerialNumber());
+        out.identity(*e, manufacturer, model, serialNumber);
         put(offsetX, x), put(offsetY, y), put(offsetZ, z);
         put(latency, e->getLatency());
         put(heaveOffset, e->getHeaveOffset());
         put(applyFlag, e->getApplyFlag() ? 1 : 0);
-        out.text(comment, e->getComment());
-        out.text(authorization, e->getAuthorization());
+        out.notes(*e, comment, authorization);
         return out.finish();
     });
 }
@@ -181,14 +188,11 @@ VELMIO_API int VesselNavigationSensorTmIdxConfig(VELMVesselHandle *vessel, doubl
         double x, y, z;
         e->getOffsets(x, y, z);
         put(entryTime, e->getTimeStamp());
-        out.text(manufacturer, e->getManufacturer());
-        out.text(model, e->getModel());
-        out.text(serialNumber, e->getSerialNumber());
+        out.identity(*e, manufacturer, model, serialNumber);
         out.text(ellipseName, e->getEllipseName());
         put(offsetX, x), put(offsetY, y), put(offsetZ, z);
         put(latency, e->getLatency());
-        out.text(comment, e->getComment());
-        out.text(authorization, e->getAuthorization());
+        out.notes(*e, comment, authorization);
         return out.finish();
     });
 }
@@ -206,14 +210,11 @@ int attitudeQuery(VELMVessel *vessel, double time, int noList, int other, Offset
         if (int status = lookup(vessel, time, noList, other, e)) return status;
         HandOut out;
         put(entryTime, e->getTimeStamp());
-        out.text(manufacturer, e->getManufacturer());
-        out.text(model, e->getModel());
-        out.text(serialNumber, e->getSerialNumber());
+        out.identity(*e, manufacturer, model, serialNumber);
         put(latency, e->getLatency());
         put(offset, offsetOf(*e) * kRadiansPerDegree);
         put(applyFlag, e->getApplyFlag() ? 1 : 0);
-        out.text(comment, e->getComment());
-        out.text(authorization, e->getAuthorization());
+        out.notes(*e, comment, authorization);
         return out.finish();
     });
 }
@@ -262,8 +263,7 @@ VELMIO_API int VesselSVPTmIdxConfig(VELMVesselHandle *vessel, double time, doubl
         }
         put(entryTime, e->getTimeStamp());
         put(dualHead, e->isDualHead() ? 1 : 0);
-        out.text(comment, e->getComment());
-        out.text(authorization, e->getAuthorization());
+        out.notes(*e, comment, authorization);
         return out.finish();
     });
 }
@@ -281,9 +281,7 @@ VELMIO_API int VesselTowedTmIdxConfig(VELMVesselHandle *vessel, double time, dou
         double x, y, z;
         e->getOffsets(x, y, z);
         put(entryTime, e->getTimeStamp());
-        out.text(manufacturer, e->getManufacturer());
-        out.text(model, e->getModel());
-        out.text(serialNumber, e->getSerialNumber());
+        out.identity(*e, manufacturer, model, serialNumber);
         put(offsetX, x), put(offsetY, y), put(offsetZ, z);
         put(latency, e->getLatency());
         put(layback, e->getLayback());
@@ -304,8 +302,7 @@ VELMIO_API int VesselRPTmIdxConfig(VELMVesselHandle *vessel, double time, double
         put(entryTime, e->getTimeStamp());
         put(waterlineHeight, e->getWaterLine());
         put(waterlineStdDev, e->getWaterlineStdDev());
-        out.text(comment, e->getComment());
-        out.text(authorization, e->getAuthorization());
+        out.notes(*e, comment, authorization);
         return out.finish();
     });
 }
@@ -373,8 +370,7 @@ VELMIO_API int VesselDepthSensorTmIdxConfig(
                     if (arrays[a]) arrays[a][i] = values[a];
             }
         }
-        out.text(comment, e->getComment());
-        out.text(authorization, e->getAuthorization());
+        out.notes(*e, comment, authorization);
         return out.finish();
     });
 }
@@ -398,8 +394,7 @@ VELMIO_API int VesselDraftTmIdxConfig(VELMVesselHandle *vessel, double time, dou
         put(entryTime, e->getTimeStamp());
         put(rowCount, static_cast<int>(rows.size()));
         put(applyFlag, e->getApplyFlag() ? 1 : 0);
-        out.text(comment, e->getComment());
-        out.text(authorization, e->getAuthorization());
+        out.notes(*e, comment, authorization);
         return out.finish();
     });
 }

@@ -246,6 +246,11 @@ protected:
     AccessType accessType() const { return accessType_; }
 
 private:
+    static int CopyAttributes(const std::vector<Attribute> &attributes, const std::vector<dataValue> &values,
+                              const std::vector<int> &counts, std::vector<MORVAUString> &outNames,
+                              std::vector<dataType> &outTypes, std::vector<dataValue> &outValues,
+                              std::vector<int> *outCounts);
+
     void copyFrom(const VELMDataFile &other);
     void finish();
     void closeFiles();
