@@ -36,13 +36,7 @@ struct Opened {
 Opened openAndReadAll(const TempDir &dir) {
     Opened o;
     VELMDataFile f(dir.wpath(), L"Small", L"", 6, ACCESS_READ, 1, o.status);
-    for (int n = 1; n <= 3; ++n) {
-        double t;
-        unsigned int s;
-        std::vector<dataValue> v;
-        o.reads.push_back(f.ReadRecord(t, s, v, n));
-        f.FreeRecordValues(v);
-    }
+    for (int n = 1; n <= 3; ++n) o.reads.push_back(readCode(f, n));
     return o;
 }
 
@@ -91,17 +85,14 @@ TEST(DataFileCorrupt, TruncatedAtEveryOffset) {
     testing::internal::GetCapturedStdout();
 }
 
-TEST(DataFileCorrupt, CountsAndLengthsBeyondTheFile) {
+TEST(DataFileCorrupt, BadHeadersAndCountsOrLengthsBeyondTheFile) {
     TempDir dir;
     writeSmall(dir);
     const Bytes good = readFile(dir.file("Small"));
     // The offsets above are those of the layout.
-    ASSERT_EQ(unitAt(good, kSummaryCount), 1u);
-    ASSERT_EQ(unitAt(good, kDataCount), 2u);
-    ASSERT_EQ(unitAt(good, kSummaryArrayBytes), 4u);
-    ASSERT_EQ(unitAt(good, kDataNameLength), 1u);
-    ASSERT_EQ(unitAt(good, kFirstRecord), 28u);
-    ASSERT_EQ(unitAt(good, kRecordArrayBytes), 4u);
+    for (auto [at, value] : {std::pair<std::size_t, std::uint32_t>{kSummaryCount, 1}, {kDataCount, 2}, {kSummaryArrayBytes, 4},
+                             {kDataNameLength, 1}, {kFirstRecord, 28}, {kRecordArrayBytes, 4}})
+        ASSERT_EQ(unitAt(good, at), value) << at;
 
     for (std::uint32_t huge : {0x7FFFFFFFu, 0xFFFFFFFFu, 1000u}) {
         EXPECT_EQ(openPatched(dir, good, kSummaryCount, huge).status, 5000025) << huge;
@@ -120,12 +111,8 @@ TEST(DataFileCorrupt, CountsAndLengthsBeyondTheFile) {
     // Record length words: below the fixed part, and past the end of the file.
     EXPECT_EQ(openPatched(dir, good, kFirstRecord, 15).reads, firstBad);
     EXPECT_EQ(openPatched(dir, good, kFirstRecord, 0x7FFFFFFFu).reads, firstBad);
-}
 
-TEST(DataFileCorrupt, ForeignOrMismatchedHeaders) {
-    TempDir dir;
-    writeSmall(dir);
-    const Bytes good = readFile(dir.file("Small"));
+    // Foreign or mismatched headers.
     EXPECT_EQ(openPatched(dir, good, 0, 0x544F5650).status, 5000027);  // magic
     EXPECT_EQ(openPatched(dir, good, 8, 2).status, 5000027);           // record kind
     writeFile(dir.file("Small"), good);

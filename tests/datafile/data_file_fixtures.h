@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <vector>
 
 namespace velmio::test {
 
@@ -58,6 +59,16 @@ inline dataValue ptrValue(const void *p) {
     dataValue v;
     v.ptr = const_cast<void *>(p);
     return v;
+}
+
+// The code of reading record n; the values read are freed.
+inline int readCode(VELMDataFile &f, int n) {
+    double t;
+    unsigned int s;
+    std::vector<dataValue> v;
+    const int rc = f.ReadRecord(t, s, v, n);
+    f.FreeRecordValues(v);
+    return rc;
 }
 
 inline void patch32(Bytes &bytes, std::size_t offset, std::uint32_t value) {

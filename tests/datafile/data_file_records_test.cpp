@@ -65,12 +65,7 @@ TEST(DataFileRecords, ManyVariableRecordsReadBackByNumberInSequenceAndInUpdate) 
         // -999 continues after the record last read.
         expectRecord(f, 1, 0);
         for (int n = 2; n <= kRecords; ++n) expectRecord(f, -999, n - 1);
-        double t;
-        unsigned int s;
-        std::vector<dataValue> v;
-        EXPECT_EQ(f.ReadRecord(t, s, v, -999), 5000064);
-        EXPECT_EQ(f.ReadRecord(t, s, v, 0), 5000064);
-        EXPECT_EQ(f.ReadRecord(t, s, v, kRecords + 1), 5000064);
+        for (int n : {-999, 0, kRecords + 1}) EXPECT_EQ(readCode(f, n), 5000064) << n;
         // The current record's values stay with the object.
         dataValue value;
         int count = 0;
@@ -89,10 +84,7 @@ TEST(DataFileRecords, AccessModesAndDeclarationRules) {
         ASSERT_EQ(f.AddAttribute(DT_INT, MORVAUString::fromUtf8(std::string(257, 'n').c_str())), -1);
         ASSERT_EQ(f.AddAttribute(DT_INT, MORVAUString::fromUtf8(std::string(256, 'n').c_str())), 0);
         ASSERT_EQ(f.AddAttribute(DT_INT_ARRAY, L"arr"), 0);
-        double t;
-        unsigned int s;
-        std::vector<dataValue> v;
-        EXPECT_EQ(f.ReadRecord(t, s, v, 1), 5000061);
+        EXPECT_EQ(readCode(f, 1), 5000061);
         // Values that do not match the attributes are refused before anything is written.
         EXPECT_EQ(f.WriteRecord(1.0, 0, {intValue(1)}, {1}), 5000026);
         EXPECT_EQ(f.WriteRecord(1.0, 0, {intValue(1), ptrValue(nullptr)}, {1, 2}), 5000026);
@@ -149,10 +141,7 @@ TEST(DataFileRecords, MissingFileIsReportedAsNotFound) {
     std::string out = testing::internal::GetCapturedStdout();
     EXPECT_EQ(status, 5000046);
     EXPECT_EQ(out, "VELM IO was unable to find the data file '" + dir.file("Nope") + "'\n");
-    double t;
-    unsigned int s;
-    std::vector<dataValue> v;
-    EXPECT_EQ(f.ReadRecord(t, s, v, 1), 5000064);
+    EXPECT_EQ(readCode(f, 1), 5000064);
 }
 
 TEST(DataFileRecords, CopyIsAReaderOfTheSameFile) {

@@ -1,7 +1,7 @@
 #include <velmio/navigation.h>
 #include <velmio/simple_sensor.h>
 
-#include "tests/sensors/simple_sensor_helpers.h"
+#include "tests/sensors/sensor_test_support.h"
 
 #include <string>
 
@@ -13,14 +13,13 @@ namespace {
 
 // One fix of each family in its own line directory.
 void writeLine(const TempDir &dir, bool sss) {
-    int error = -1;
-    auto openDir = sss ? SSSNavigationOpenDir : NavigationOpenDir;
-    TOVO_Sensor *h = openDir(dir.wpath().c_str(), L"create", &error);
+    TOVO_Sensor *h = openLine(sss ? SSSNavigationOpenDir : NavigationOpenDir, dir, L"create");
     ASSERT_NE(h, nullptr);
-    (sss ? SSSNavigationBgnSeqWriteLineSegment : NavigationBgnSeqWriteLineSegment)(h, L"s");
-    ASSERT_EQ((sss ? SSSNavigationSeqWrite : NavigationSeqWrite)(h, 5.0, 0.5, 0.25, 1.0, 2), 0);
-    (sss ? SSSNavigationEndSeqWriteLineSegment : NavigationEndSeqWriteLineSegment)(h, 0);
-    ASSERT_EQ((sss ? SSSNavigationClose : NavigationClose)(h), 0);
+    for (int rc : {(sss ? SSSNavigationBgnSeqWriteLineSegment : NavigationBgnSeqWriteLineSegment)(h, L"s"),
+                   (sss ? SSSNavigationSeqWrite : NavigationSeqWrite)(h, 5.0, 0.5, 0.25, 1.0, 2),
+                   (sss ? SSSNavigationEndSeqWriteLineSegment : NavigationEndSeqWriteLineSegment)(h, 0),
+                   (sss ? SSSNavigationClose : NavigationClose)(h)})
+        ASSERT_EQ(rc, 0);
 }
 
 // The code of opening (and reading record 1 of) a line, and what was printed.
@@ -93,10 +92,9 @@ TEST(NavigationRead, WrongHandleAnswersDifferPerFamily) {
     writeLine(navDir, false);
     writeLine(sssDir, true);
     writeGyroLine(gyroDir);
-    int error = -1;
-    TOVO_Sensor *nav = NavigationOpenDir(navDir.wpath().c_str(), L"update", &error);
-    TOVO_Sensor *sss = SSSNavigationOpenDir(sssDir.wpath().c_str(), L"update", &error);
-    TOVO_Sensor *gyro = GyroOpenDir(gyroDir.wpath().c_str(), L"update", &error);
+    TOVO_Sensor *nav = openLine(NavigationOpenDir, navDir, L"update");
+    TOVO_Sensor *sss = openLine(SSSNavigationOpenDir, sssDir, L"update");
+    TOVO_Sensor *gyro = openLine(GyroOpenDir, gyroDir, L"update");
     ASSERT_TRUE(nav && sss && gyro);
     using Answer = std::pair<int, std::string>;
     using Op = int (*)(TOVO_Sensor *);

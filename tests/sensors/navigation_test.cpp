@@ -1,7 +1,7 @@
 #include <velmio/navigation.h>
 #include <velmio/simple_sensor.h>
 
-#include "tests/sensors/simple_sensor_helpers.h"
+#include "tests/sensors/sensor_test_support.h"
 
 #include <string>
 #include <tuple>
@@ -12,16 +12,15 @@ namespace {
 
 // Two fixes in segment "nav1": reference time 60 min, reference position
 // 0.8 / -1.2 rad (8000000 / -12000000 x 1e-7), offsets in 1e-9 rad.
-const Bytes kData = words({kTOVO, 3, 1, 1, 0x77, 2, 1000, 60, 0, 1500, 4, 1, 8000000, 0, 100, -12000000, -200, 0,
+const Bytes kData = words({kTovo, 3, 1, 1, 0x77, 2, 1000, 60, 0, 1500, 4, 1, 8000000, 0, 100, -12000000, -200, 0,
                            0, 0, 0, 0, 12500, 0x40000000, 1500, 100, -200, -3250});
 const Bytes kSegments =
-    cat({words({kTOVO, 3, 2, 1, 1, 5, 4, 4}), ascii("nav1"), words({1, 2, 0, 1500, 0, 100, -200, 0})});
-const Bytes kTimeIndex = words({kTOVO, 3, 3, 1, 1, 512, 2, 0, 1500, 2, 0, 72, 1500, 92});
+    cat({words({kTovo, 3, 2, 1, 1, 5, 4, 4}), ascii("nav1"), words({1, 2, 0, 1500, 0, 100, -200, 0})});
+const Bytes kTimeIndex = words({kTovo, 3, 3, 1, 1, 512, 2, 0, 1500, 2, 0, 72, 1500, 92});
 
 void writeNavigationLine(const TempDir &dir) {
-    int error = -1;
-    TOVO_Sensor *h = NavigationOpenDir(dir.wpath().c_str(), L"create", &error);
-    ASSERT_NE(h, nullptr) << error;
+    TOVO_Sensor *h = openLine(NavigationOpenDir, dir, L"create");
+    ASSERT_NE(h, nullptr);
     for (int rc : {NavigationBgnSeqWriteSummary(h, 4), NavigationBgnSeqWriteLineSegment(h, L"nav1"),
                    NavigationSeqWrite(h, 3600.0, 0.8, -1.2, 12.5, 0),
                    NavigationSeqWrite(h, 3601.5, 0.8000001, -1.2000002, -3.25, 0x40000000),
@@ -29,32 +28,16 @@ void writeNavigationLine(const TempDir &dir) {
         ASSERT_EQ(rc, 0);
 }
 
-TOVO_Sensor *open(const TempDir &dir, const wchar_t *mode) {
-    int error = -1;
-    TOVO_Sensor *h = NavigationOpenDir(dir.wpath().c_str(), mode, &error);
-    EXPECT_EQ(error, 0);
-    return h;
-}
-
-TEST(NavigationWrite, FilesMatchTheLayout) {
-    TempDir dir;
-    writeNavigationLine(dir);
-    EXPECT_TRUE(SameBytes(kData, readFile(dir.file("Navigation"))));
-    EXPECT_TRUE(SameBytes(kSegments, readFile(dir.file("NavigationLineSegments"))));
-    EXPECT_TRUE(SameBytes(kTimeIndex, readFile(dir.file("NavigationTmIdx"))));
-}
+TOVO_Sensor *open(const TempDir &dir, const wchar_t *mode) { return openLine(NavigationOpenDir, dir, mode); }
 
 TEST(NavigationWrite, UnsetCoordinateTypeIsOneAndEmptyLinesLeaveNothing) {
     TempDir dir;
-    int error = -1;
-    TOVO_Sensor *h = SSSNavigationOpenDir(dir.wpath().c_str(), L"create", &error);
-    ASSERT_EQ(SSSNavigationSeqWrite(h, 10.0, 0.1, 0.2, 0.0, 0), 0);
-    ASSERT_EQ(SSSNavigationClose(h), 0);
+    TOVO_Sensor *h = openLine(SSSNavigationOpenDir, dir, L"create");
+    ASSERT_EQ(SSSNavigationSeqWrite(h, 10.0, 0.1, 0.2, 0.0, 0) + SSSNavigationClose(h), 0);
     const Bytes data = readFile(dir.file("SSSNavigation"));
-    EXPECT_TRUE(SameBytes(words({kTOVO, 12, 1, 1, 0, 1, 1000, 0, 10000, 10000, 1}), Bytes(data.begin(), data.begin() + 44)));
-    h = NavigationOpenDir(dir.wpath().c_str(), L"create", &error);
-    ASSERT_EQ(NavigationBgnSeqWriteLineSegment(h, L"none"), 0);
-    ASSERT_EQ(NavigationClose(h), 0);
+    EXPECT_TRUE(SameBytes(words({kTovo, 12, 1, 1, 0, 1, 1000, 0, 10000, 10000, 1}), Bytes(data.begin(), data.begin() + 44)));
+    h = open(dir, L"create");
+    ASSERT_EQ(NavigationBgnSeqWriteLineSegment(h, L"none") + NavigationClose(h), 0);
     for (const char *name : {"Navigation", "NavigationLineSegments", "NavigationTmIdx"})
         EXPECT_FALSE(fileExists(dir.file(name)));
 }
@@ -92,6 +75,7 @@ TEST(NavigationRead, SummarySegmentsAndRecordsComeBack) {
     EXPECT_EQ(NavigationClose(h), 0);
 }
 
+// The expected files are the layout's, with the edited words changed.
 TEST(NavigationUpdate, EditsAreSeenAtOnceAndSavedByteExact) {
     TempDir dir;
     writeNavigationLine(dir);
@@ -109,14 +93,8 @@ TEST(NavigationUpdate, EditsAreSeenAtOnceAndSavedByteExact) {
     for (int rc : {NavigationSetLineSegmentStatus(h, 1, 6), NavigationSetSummaryStatus(h, 0x78),
                    NavigationSaveStatusToDisk(h), NavigationClose(h)})
         ASSERT_EQ(rc, 0);
-    Bytes data = kData;
-    data[19] = 0x78;
-    data[72] = 0x80;
-    data[75] = 0x01;
-    Bytes segments = kSegments;
-    segments[23] = 6;
-    EXPECT_TRUE(SameBytes(data, readFile(dir.file("Navigation"))));
-    EXPECT_TRUE(SameBytes(segments, readFile(dir.file("NavigationLineSegments"))));
+    EXPECT_TRUE(SameBytes(patched(kData, {{16, 0x78}, {72, 0x80000001}}), readFile(dir.file("Navigation"))));
+    EXPECT_TRUE(SameBytes(patched(kSegments, 20, 6), readFile(dir.file("NavigationLineSegments"))));
     EXPECT_TRUE(SameBytes(kTimeIndex, readFile(dir.file("NavigationTmIdx"))));
 }
 

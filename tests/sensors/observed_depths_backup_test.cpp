@@ -1,6 +1,6 @@
 #include <velmio/observed_depths.h>
 
-#include "sensors/profile_test_support.h"
+#include "tests/sensors/sensor_test_support.h"
 
 #include <filesystem>
 

@@ -1,7 +1,8 @@
 #include <velmio/observed_depths.h>
 
-#include "sensors/profile_test_support.h"
+#include "tests/sensors/sensor_test_support.h"
 
+#include <tuple>
 #include <vector>
 
 using namespace velmio::test;
@@ -10,24 +11,18 @@ namespace {
 
 // Two profiles in one segment "ab.raw": beams 5-6 of a ping at 120 s, and
 // beam 1 of a ping at 121 s. Reference time 2 minutes.
-void writeSmallLine(const std::wstring &dir, const wchar_t *openAs = L"create", bool newForm = false) {
-    int error = -1;
-    TOVO_Sensor *h = newForm ? ObservedDepthsNewOpenDir(dir.c_str(), openAs, &error)
-                             : ObservedDepthsOpenDir(dir.c_str(), openAs, &error);
+void writeSmallLine(const TempDir &dir, bool newForm = false) {
+    TOVO_Sensor *h = openLine(newForm ? ObservedDepthsNewOpenDir : ObservedDepthsOpenDir, dir, L"create");
     ASSERT_NE(h, nullptr);
-    ASSERT_EQ(ObservedDepthsBgnSeqWriteSummary(h), 0);
-    ASSERT_EQ(ObservedDepthsSetToolType(h, 7), 0);
-    ASSERT_EQ(ObservedDepthsBgnSeqWriteLineSegment(h, L"ab.raw"), 0);
-    ASSERT_EQ(ObservedDepthsBgnSeqWriteProfile(h, 2, 5, 120.0, 0.1, -0.2, 0x10), 0);
-    ASSERT_EQ(ObservedDepthsSeqWrite(h, 120.5, -2.0, 1.0, 10.5, 0, 0, 0x80000000u), 0);
-    ASSERT_EQ(ObservedDepthsSeqWrite(h, 119.999, 0.25, -0.5, 12.0, 0, 0, 0), 0);
-    ASSERT_EQ(ObservedDepthsEndSeqWriteProfile(h), 0);
-    ASSERT_EQ(ObservedDepthsBgnSeqWriteProfile(h, 1, 1, 121.0, 0.0, 0.0, 0), 0);
-    ASSERT_EQ(ObservedDepthsSeqWrite(h, 121.0, 0.0, 0.0, 9.0, 0, 0, 0x40000000u), 0);
-    ASSERT_EQ(ObservedDepthsEndSeqWriteProfile(h), 0);
-    ASSERT_EQ(ObservedDepthsEndSeqWriteLineSegment(h, 3), 0);
-    ASSERT_EQ(ObservedDepthsEndSeqWriteSummary(h, 5), 0);
-    ASSERT_EQ(ObservedDepthsClose(h), 0);
+    for (int rc : {ObservedDepthsBgnSeqWriteSummary(h), ObservedDepthsSetToolType(h, 7),
+                   ObservedDepthsBgnSeqWriteLineSegment(h, L"ab.raw"),
+                   ObservedDepthsBgnSeqWriteProfile(h, 2, 5, 120.0, 0.1, -0.2, 0x10),
+                   ObservedDepthsSeqWrite(h, 120.5, -2.0, 1.0, 10.5, 0, 0, 0x80000000u),
+                   ObservedDepthsSeqWrite(h, 119.999, 0.25, -0.5, 12.0, 0, 0, 0), ObservedDepthsEndSeqWriteProfile(h),
+                   ObservedDepthsBgnSeqWriteProfile(h, 1, 1, 121.0, 0.0, 0.0, 0),
+                   ObservedDepthsSeqWrite(h, 121.0, 0.0, 0.0, 9.0, 0, 0, 0x40000000u), ObservedDepthsEndSeqWriteProfile(h),
+                   ObservedDepthsEndSeqWriteLineSegment(h, 3), ObservedDepthsEndSeqWriteSummary(h, 5), ObservedDepthsClose(h)})
+        ASSERT_EQ(rc, 0);
 }
 
 Bytes expectedData() {
@@ -60,12 +55,11 @@ Beam readBeam(TOVO_Sensor *h, unsigned p, unsigned b, int expectRc = 0) {
 
 TEST(ObservedDepthsWrite, FilesMatchTheirLayoutsByteForByte) {
     TempDir dir;
-    writeSmallLine(dir.wpath());
+    writeSmallLine(dir);
     EXPECT_TRUE(SameBytes(expectedData(), readFile(dir.file("ObservedDepths"))));
 
-    Bytes segments = be32s({kTovo, 4, 2, 2, 1, 3, 6});
-    append(segments, xdrString("ab.raw"));
-    append(segments, be32s({1, 2, 0xFFFFFFFF, 1000, 9000, 12000}));
+    const Bytes segments = cat({be32s({kTovo, 4, 2, 2, 1, 3, 6}), xdrString("ab.raw"),
+                                be32s({1, 2, 0xFFFFFFFF, 1000, 9000, 12000})});
     EXPECT_TRUE(SameBytes(segments, readFile(dir.file("ObservedDepthsLineSegments"))));
 
     // One entry per profile header.
@@ -75,8 +69,7 @@ TEST(ObservedDepthsWrite, FilesMatchTheirLayoutsByteForByte) {
 
 TEST(ObservedDepthsWrite, ProfileBeamCountIsEnforcedAndEmptyLinesLeaveNoFile) {
     TempDir dir;
-    int error = -1;
-    TOVO_Sensor *h = ObservedDepthsOpenDir(dir.wpath().c_str(), L"create", &error);
+    TOVO_Sensor *h = openLine(ObservedDepthsOpenDir, dir, L"create");
     ASSERT_NE(h, nullptr);
     EXPECT_EQ(ObservedDepthsSeqWrite(h, 1, 0, 0, 1, 0, 0, 0), 5000219);  // no profile begun
     ASSERT_EQ(ObservedDepthsBgnSeqWriteProfile(h, 1, 1, 60.0, 0, 0, 0), 0);
@@ -84,35 +77,30 @@ TEST(ObservedDepthsWrite, ProfileBeamCountIsEnforcedAndEmptyLinesLeaveNoFile) {
     EXPECT_EQ(ObservedDepthsRead(h, 1, 1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), 5000218);
     ASSERT_EQ(ObservedDepthsClose(h), 0);
 
-    h = ObservedDepthsOpenDir(dir.wpath().c_str(), L"create", &error);
-    ASSERT_NE(h, nullptr);
-    ASSERT_EQ(ObservedDepthsClose(h), 0);
+    ASSERT_EQ(ObservedDepthsClose(openLine(ObservedDepthsOpenDir, dir, L"create")), 0);
     EXPECT_FALSE(fileExists(dir.file("ObservedDepths")));
     // An unknown token opens the existing file "rb+" and the family writes it
     // afresh, as a create: the line store's long-standing behaviour.
-    writeSmallLine(dir.wpath());
+    writeSmallLine(dir);
     testing::internal::CaptureStdout();
-    h = ObservedDepthsOpenDir(dir.wpath().c_str(), L"read", &error);
+    h = openLine(ObservedDepthsOpenDir, dir, L"read");
     testing::internal::GetCapturedStdout();
     ASSERT_NE(h, nullptr);
     EXPECT_EQ(ObservedDepthsBgnSeqWriteSummary(h), 0);
-    Bytes fresh = ascii("TOVO");
-    append(fresh, be32s({4, 1, 2}));
     const Bytes now = readFile(dir.file("ObservedDepths"));
-    EXPECT_TRUE(SameBytes(fresh, Bytes(now.begin(), now.begin() + 16)));
+    EXPECT_TRUE(SameBytes(words({kTovo, 4, 1, 2}), Bytes(now.begin(), now.begin() + 16)));
     ASSERT_EQ(ObservedDepthsClose(h), 0);
 }
 
 TEST(ObservedDepthsRead, DecodesWhatWasWrittenAndRefusesEditsWithoutUpdate) {
     TempDir dir;
-    writeSmallLine(dir.wpath());
-    int error = -1;
-    TOVO_Sensor *h = ObservedDepthsOpenDir(dir.wpath().c_str(), L"query", &error);
+    writeSmallLine(dir);
+    TOVO_Sensor *h = openLine(ObservedDepthsOpenDir, dir, L"query");
     ASSERT_NE(h, nullptr);
     unsigned tool, segments, profiles, beams, status, first, last;
     double t0, t1, d0, d1;
     ASSERT_EQ(ObservedDepthsSummary(h, &tool, &segments, &profiles, &beams, &t0, &t1, &d0, &d1, &status), 0);
-    EXPECT_EQ(tool + segments + profiles + beams, 7u + 1 + 2 + 3);
+    EXPECT_EQ(std::make_tuple(tool, segments, profiles, beams), std::make_tuple(7u, 1u, 2u, 3u));
     EXPECT_DOUBLE_EQ(t0, 119.999);
     wchar_t *name = nullptr;
     ASSERT_EQ(ObservedDepthsLineSegment(h, 1, &name, &first, &last, &t0, &t1, &d0, &d1, &status), 0);
@@ -138,24 +126,21 @@ TEST(ObservedDepthsRead, DecodesWhatWasWrittenAndRefusesEditsWithoutUpdate) {
 
 TEST(ObservedDepthsRead, NewFormOpensItsOwnFilesUnderTypeFour) {
     TempDir dir;
-    writeSmallLine(dir.wpath(), L"create", true);
+    writeSmallLine(dir, true);
     EXPECT_FALSE(fileExists(dir.file("ObservedDepths")));
-    const Bytes data = readFile(dir.file("ObservedDepthsNew"));
-    EXPECT_TRUE(SameBytes(expectedData(), data));
-    int error = -1;
-    TOVO_Sensor *h = ObservedDepthsNewOpenDir(dir.wpath().c_str(), L"update", &error);
+    EXPECT_TRUE(SameBytes(expectedData(), readFile(dir.file("ObservedDepthsNew"))));
+    TOVO_Sensor *h = openLine(ObservedDepthsNewOpenDir, dir, L"update");
     ASSERT_NE(h, nullptr);
     EXPECT_EQ(ObservedDepthsUpdateStatus(h, 2, 1, 0x20000000u), 0);
     ASSERT_EQ(ObservedDepthsClose(h), 0);
-    EXPECT_TRUE(SameBytes(patched(data, kBeamC, 0x20000000u), readFile(dir.file("ObservedDepthsNew"))));
+    EXPECT_TRUE(SameBytes(patched(expectedData(), kBeamC, 0x20000000u), readFile(dir.file("ObservedDepthsNew"))));
 }
 
 TEST(ObservedDepthsEdit, EachEditChangesExactlyItsBytes) {
     TempDir dir;
-    writeSmallLine(dir.wpath());
+    writeSmallLine(dir);
     const Bytes before = readFile(dir.file("ObservedDepths"));
-    int error = -1;
-    TOVO_Sensor *h = ObservedDepthsOpenDir(dir.wpath().c_str(), L"update", &error);
+    TOVO_Sensor *h = openLine(ObservedDepthsOpenDir, dir, L"update");
     ASSERT_NE(h, nullptr);
     // Status bits replaced above the 500 ms offset.
     EXPECT_EQ(ObservedDepthsUpdateStatus(h, 1, 5, 0x20000000u), 0);
@@ -175,20 +160,15 @@ TEST(ObservedDepthsEdit, EachEditChangesExactlyItsBytes) {
     EXPECT_EQ(ObservedDepthsUpdateDepth(h, 1, 7, 1.0), 5000219);
     ASSERT_EQ(ObservedDepthsClose(h), 0);
 
-    Bytes expected = patched(before, kBeamA, 0x200001F4u);
-    expected = patched(expected, kBeamA + 4, 8000);
-    expected = patched(expected, kBeamA + 8, 3000);
-    expected = patched(expected, kBeamB, 0x8008FFFFu);
-    expected = patched(expected, kBeamC, 0x00100000u);
-    expected = patched(expected, kBeamC + 4, 15000);
+    const Bytes expected = patched(before, {{kBeamA, 0x200001F4u}, {kBeamA + 4, 8000}, {kBeamA + 8, 3000},
+                                            {kBeamB, 0x8008FFFFu}, {kBeamC, 0x00100000u}, {kBeamC + 4, 15000}});
     EXPECT_TRUE(SameBytes(expected, readFile(dir.file("ObservedDepths"))));
 }
 
 TEST(ObservedDepthsEdit, DepthEditsWidenButNeverNarrowTheSavedBounds) {
     TempDir dir;
-    writeSmallLine(dir.wpath());
-    int error = -1;
-    TOVO_Sensor *h = ObservedDepthsOpenDir(dir.wpath().c_str(), L"update", &error);
+    writeSmallLine(dir);
+    TOVO_Sensor *h = openLine(ObservedDepthsOpenDir, dir, L"update");
     ASSERT_NE(h, nullptr);
     ASSERT_EQ(ObservedDepthsUpdateDepth(h, 2, 1, 20.0), 0);
     ASSERT_EQ(ObservedDepthsUpdateDepth(h, 2, 1, 11.0), 0);  // shallower again: bounds stay
@@ -197,12 +177,10 @@ TEST(ObservedDepthsEdit, DepthEditsWidenButNeverNarrowTheSavedBounds) {
     ASSERT_EQ(ObservedDepthsSaveStatusToDisk(h), 0);
     ASSERT_EQ(ObservedDepthsClose(h), 0);
 
-    Bytes expected = patched(expectedData(), 16 + 40, 20000);  // maximum depth
-    expected = patched(expected, kBeamC + 4, 11000);
+    const Bytes expected = patched(expectedData(), {{16 + 40, 20000}, {kBeamC + 4, 11000}});  // maximum depth, beam
     EXPECT_TRUE(SameBytes(expected, readFile(dir.file("ObservedDepths"))));
-    Bytes segments = be32s({kTovo, 4, 2, 2, 1, 9, 6});
-    append(segments, xdrString("ab.raw"));
-    append(segments, be32s({1, 2, 0xFFFFFFFF, 1000, 9000, 20000}));
+    const Bytes segments = cat({be32s({kTovo, 4, 2, 2, 1, 9, 6}), xdrString("ab.raw"),
+                                be32s({1, 2, 0xFFFFFFFF, 1000, 9000, 20000})});
     EXPECT_TRUE(SameBytes(segments, readFile(dir.file("ObservedDepthsLineSegments"))));
 }
 
@@ -215,19 +193,26 @@ void writeVersion1Line(const TempDir &dir) {
     append(data, be32s({0x80000001u, 5000, 100, 0xFFFFFF9Cu, 250, 1500}));    // +250 ms
     append(data, be32s({0x00000002u, 6000, 200, 300, 0xFFFFFFFFu, 0}));       // -1 ms
     writeFile(dir.file("ObservedDepths"), data);
-    Bytes segments = be32s({kTovo, 4, 2, 1, 1, 0, 2});
-    append(segments, xdrString("v1"));
-    append(segments, be32s({1, 1, 0, 250, 5000, 6000}));
-    writeFile(dir.file("ObservedDepthsLineSegments"), segments);
+    writeFile(dir.file("ObservedDepthsLineSegments"),
+              cat({be32s({kTovo, 4, 2, 1, 1, 0, 2}), xdrString("v1"), be32s({1, 1, 0, 250, 5000, 6000})}));
     writeFile(dir.file("ObservedDepthsTmIdx"), be32s({kTovo, 4, 3, 1, 1, 512, 1, 0, 0, 1, 0, 60}));
 }
 
-TEST(ObservedDepthsVersion1, ReadsWholeStatusAndSixthValue) {
+// Reads give the whole status word and the sixth value; every edit succeeds
+// and changes nothing, on disk or in what is read.
+TEST(ObservedDepthsVersion1, ReadsWholeStatusAndEveryEditIsASuccessfulNoOp) {
     TempDir dir;
     writeVersion1Line(dir);
-    int error = -1;
-    TOVO_Sensor *h = ObservedDepthsOpenDir(dir.wpath().c_str(), L"query", &error);
-    ASSERT_NE(h, nullptr) << error;
+    const Bytes before = readFile(dir.file("ObservedDepths"));
+    TOVO_Sensor *h = openLine(ObservedDepthsOpenDir, dir, L"update");
+    ASSERT_NE(h, nullptr);
+    const double v = 99.0;
+    const unsigned s = 0x40000000u;
+    for (int rc : {ObservedDepthsUpdateStatus(h, 1, 1, s), ObservedDepthsUpdateRejectionStatus(h, 1, 1, 0x80000000u),
+                   ObservedDepthsUpdateDepth(h, 1, 2, v),
+                   ObservedDepthsUpdateDepthStatus(h, 9, 9, v, s),  // not even range-checked
+                   ObservedDepthsUpdateXYZStatus(h, 1, 1, &v, &v, &v, &s)})
+        EXPECT_EQ(rc, 0);
     unsigned count, firstBeam, status;
     double time, a1, a2;
     ASSERT_EQ(ObservedDepthsReadProfile(h, 1, &count, &firstBeam, &time, &a1, &a2, &status), 0);
@@ -237,29 +222,11 @@ TEST(ObservedDepthsVersion1, ReadsWholeStatusAndSixthValue) {
     EXPECT_EQ(b.status, 0x80000001u);
     EXPECT_EQ(Values({b.time, b.y, b.x, b.depth, b.extra}), Values({120.25, -0.1, 0.1, 5.0, 1.5}));
     b = readBeam(h, 1, 2);
-    EXPECT_EQ(b.status, 2u);
+    EXPECT_EQ(Values({b.depth, double(b.status)}), Values({6.0, 2.0}));
     EXPECT_DOUBLE_EQ(b.time, 119.999);
     readBeam(h, 1, 3, 5000219);
-    ASSERT_EQ(ObservedDepthsClose(h), 0);
-}
-
-TEST(ObservedDepthsVersion1, EveryEditIsASuccessfulNoOp) {
-    TempDir dir;
-    writeVersion1Line(dir);
-    const Bytes before = readFile(dir.file("ObservedDepths"));
-    int error = -1;
-    TOVO_Sensor *h = ObservedDepthsOpenDir(dir.wpath().c_str(), L"update", &error);
-    ASSERT_NE(h, nullptr);
-    const double v = 99.0;
-    const unsigned s = 0x40000000u;
-    EXPECT_EQ(ObservedDepthsUpdateStatus(h, 1, 1, s), 0);
-    EXPECT_EQ(ObservedDepthsUpdateRejectionStatus(h, 1, 1, 0x80000000u), 0);
-    EXPECT_EQ(ObservedDepthsUpdateDepth(h, 1, 2, v), 0);
-    EXPECT_EQ(ObservedDepthsUpdateDepthStatus(h, 9, 9, v, s), 0);  // not even range-checked
-    EXPECT_EQ(ObservedDepthsUpdateXYZStatus(h, 1, 1, &v, &v, &v, &s), 0);
-    double d0, d1;
-    ASSERT_EQ(ObservedDepthsSummary(h, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &d0, &d1, nullptr), 0);
-    EXPECT_DOUBLE_EQ(d1, 6.0);
+    ASSERT_EQ(ObservedDepthsSummary(h, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &a1, &a2, nullptr), 0);
+    EXPECT_DOUBLE_EQ(a2, 6.0);
     ASSERT_EQ(ObservedDepthsClose(h), 0);
     EXPECT_TRUE(SameBytes(before, readFile(dir.file("ObservedDepths"))));
 }

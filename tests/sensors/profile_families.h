@@ -7,10 +7,10 @@
 #include <velmio/slant_range.h>
 #include <velmio/tpe.h>
 
-#include "sensors/profile_test_support.h"
+#include "tests/sensors/sensor_test_support.h"
 
-#include <functional>
-#include <vector>
+#include <algorithm>
+#include <ostream>
 
 namespace velmio::test {
 
@@ -26,114 +26,90 @@ inline double pingTime(unsigned p) { return 300.0 + 0.7 * p; }
 inline double beamTimeOf(unsigned p, unsigned k) { return pingTime(p) + 0.001 * (k + 1) - 0.0005 * (p % 2); }
 inline unsigned statusOf(unsigned p, unsigned k) { return (p * 16 + k) << 20; }
 
-// A beam's values, its status last.
-using Values = std::vector<double>;
+// A beam as read: its values (those a family lacks stay 0) and its status.
+struct Reading {
+    double v[5] = {};
+    unsigned status = 0;
+    bool operator==(const Reading &o) const { return std::equal(v, v + 5, o.v) && status == o.status; }
+};
+inline std::ostream &operator<<(std::ostream &out, const Reading &r) {
+    return out << r.v[0] << ' ' << r.v[1] << ' ' << r.v[2] << ' ' << r.v[3] << ' ' << r.v[4] << " / " << r.status;
+}
+
 using H = TOVO_Sensor *;
 
 // The operations of one family over a handle.
 struct Family {
-    const char *name = "";  // also the data file's name
-    int block = 0;          // of the family's codes
-    std::function<H(const std::wstring &, const wchar_t *)> open;
-    int (*close)(H) = nullptr;
-    int (*beginSegment)(H, const wchar_t *) = nullptr;
-    int (*endSegment)(H, unsigned) = nullptr;
-    std::function<int(H, unsigned p, const Layout &)> beginProfile;
-    std::function<int(H, unsigned p, unsigned k)> writeBeam;  // beam k of profile p
-    int (*endProfile)(H) = nullptr;
-    std::function<int(H, unsigned &count)> readProfileSeq;
-    std::function<int(H, Values &)> readSeq;
-    std::function<int(H, unsigned p, unsigned b, Values &)> read;
-    std::function<int(H, unsigned p, unsigned b)> edit;  // a status edit, where there is one
+    const char *name;  // also the data file's name
+    int block;         // of the family's codes
+    H (*openDir)(const wchar_t *, const wchar_t *, int *);
+    int (*close)(H);
+    int (*beginSegment)(H, const wchar_t *);
+    int (*endSegment)(H, unsigned);
+    int (*beginProfile)(H, unsigned p, const Layout &);
+    int (*endProfile)(H);
+    int (*readProfileSeq)(H, unsigned &count);
+    int (*readSeq)(H, Reading &);
+    int (*read)(H, unsigned p, unsigned b, Reading &);
+    int (*edit)(H, unsigned p, unsigned b);       // a status edit, where there is one
+    int (*writeBeam)(H, unsigned p, unsigned k);  // beam k of profile p
+
+    H open(const std::wstring &dir, const wchar_t *mode) const {
+        int error;
+        return openDir(dir.c_str(), mode, &error);
+    }
 };
 
+// ObservedDepths and SLRange share their signatures; only the beam written differs.
+#define VELMIO_FIVE_VALUE_FAMILY(P, BLOCK, ...)                                                                  \
+    Family {                                                                                                    \
+        #P, BLOCK, P##OpenDir, P##Close, P##BgnSeqWriteLineSegment, P##EndSeqWriteLineSegment,                   \
+            [](H h, unsigned p, const Layout &l) {                                                               \
+                return P##BgnSeqWriteProfile(h, l.count, l.first, pingTime(p), 0.01 * p, -0.02 * p, p);          \
+            },                                                                                                   \
+            P##EndSeqWriteProfile,                                                                               \
+            [](H h, unsigned &n) {                                                                               \
+                unsigned b, s;                                                                                   \
+                double t, a;                                                                                     \
+                return P##ReadProfileSeq(h, &n, &b, &t, &a, &a, &s);                                             \
+            },                                                                                                   \
+            [](H h, Reading &r) { return P##ReadSeq(h, &r.v[0], &r.v[1], &r.v[2], &r.v[3], &r.v[4], &r.status); }, \
+            [](H h, unsigned p, unsigned b, Reading &r) {                                                        \
+                return P##Read(h, p, b, &r.v[0], &r.v[1], &r.v[2], &r.v[3], &r.v[4], &r.status);                 \
+            },                                                                                                   \
+            [](H h, unsigned p, unsigned b) { return P##UpdateStatus(h, p, b, 0x10000000u); },                   \
+            [](H h, unsigned p, unsigned k) { return __VA_ARGS__; }                                              \
+    }
+
 inline Family observedDepths() {
-    Family f;
-    f.name = "ObservedDepths";
-    f.block = 5000200;
-    f.open = [](const std::wstring &d, const wchar_t *t) { int e; return ObservedDepthsOpenDir(d.c_str(), t, &e); };
-    f.close = ObservedDepthsClose;
-    f.beginSegment = ObservedDepthsBgnSeqWriteLineSegment;
-    f.endSegment = ObservedDepthsEndSeqWriteLineSegment;
-    f.beginProfile = [](H h, unsigned p, const Layout &l) {
-        return ObservedDepthsBgnSeqWriteProfile(h, l.count, l.first, pingTime(p), 0.01 * p, -0.02 * p, p);
-    };
-    f.writeBeam = [](H h, unsigned p, unsigned k) {
-        return ObservedDepthsSeqWrite(h, beamTimeOf(p, k), p + 0.1 * k, -1.0 * k, 10 + p + 0.01 * k, 0, 0, statusOf(p, k));
-    };
-    f.endProfile = ObservedDepthsEndSeqWriteProfile;
-    f.readProfileSeq = [](H h, unsigned &n) { unsigned b, s; double t, a; return ObservedDepthsReadProfileSeq(h, &n, &b, &t, &a, &a, &s); };
-    f.readSeq = [](H h, Values &v) {
-        unsigned s; v.assign(6, 0);
-        const int rc = ObservedDepthsReadSeq(h, &v[0], &v[1], &v[2], &v[3], &v[4], &s);
-        v[5] = s; return rc;
-    };
-    f.read = [](H h, unsigned p, unsigned b, Values &v) {
-        unsigned s; v.assign(6, 0);
-        const int rc = ObservedDepthsRead(h, p, b, &v[0], &v[1], &v[2], &v[3], &v[4], &s);
-        v[5] = s; return rc;
-    };
-    f.edit = [](H h, unsigned p, unsigned b) { return ObservedDepthsUpdateStatus(h, p, b, 0x10000000u); };
-    return f;
+    return VELMIO_FIVE_VALUE_FAMILY(ObservedDepths, 5000200,
+                                    ObservedDepthsSeqWrite(h, beamTimeOf(p, k), p + 0.1 * k, -1.0 * k,
+                                                           10 + p + 0.01 * k, 0, 0, statusOf(p, k)));
 }
 
 inline Family slantRange() {
-    Family f;
-    f.name = "SLRange";
-    f.block = 5001900;
-    f.open = [](const std::wstring &d, const wchar_t *t) { int e; return SLRangeOpenDir(d.c_str(), t, &e); };
-    f.close = SLRangeClose;
-    f.beginSegment = SLRangeBgnSeqWriteLineSegment;
-    f.endSegment = SLRangeEndSeqWriteLineSegment;
-    f.beginProfile = [](H h, unsigned p, const Layout &l) {
-        return SLRangeBgnSeqWriteProfile(h, l.count, l.first, pingTime(p), 0.01 * p, -0.02 * p, p);
-    };
-    f.writeBeam = [](H h, unsigned p, unsigned k) {
-        return SLRangeSeqWrite(h, beamTimeOf(p, k), 5.0 + k, 0.000123 * (p + k), 0.01 * k, -0.02 * p, statusOf(p, k));
-    };
-    f.endProfile = SLRangeEndSeqWriteProfile;
-    f.readProfileSeq = [](H h, unsigned &n) { unsigned b, s; double t, a; return SLRangeReadProfileSeq(h, &n, &b, &t, &a, &a, &s); };
-    f.readSeq = [](H h, Values &v) {
-        unsigned s; v.assign(6, 0);
-        const int rc = SLRangeReadSeq(h, &v[0], &v[1], &v[2], &v[3], &v[4], &s);
-        v[5] = s; return rc;
-    };
-    f.read = [](H h, unsigned p, unsigned b, Values &v) {
-        unsigned s; v.assign(6, 0);
-        const int rc = SLRangeRead(h, p, b, &v[0], &v[1], &v[2], &v[3], &v[4], &s);
-        v[5] = s; return rc;
-    };
-    f.edit = [](H h, unsigned p, unsigned b) { return SLRangeUpdateStatus(h, p, b, 0x10000000u); };
-    return f;
+    return VELMIO_FIVE_VALUE_FAMILY(SLRange, 5001900,
+                                    SLRangeSeqWrite(h, beamTimeOf(p, k), 5.0 + k, 0.000123 * (p + k), 0.01 * k,
+                                                    -0.02 * p, statusOf(p, k)));
 }
 
 inline Family tpe() {
-    Family f;
-    f.name = "TPE";
-    f.block = 5002700;
-    f.open = [](const std::wstring &d, const wchar_t *t) { int e; return TPEOpenDir(d.c_str(), t, &e); };
-    f.close = TPEClose;
-    f.beginSegment = TPEBgnSeqWriteLineSegment;
-    f.endSegment = TPEEndSeqWriteLineSegment;
-    f.beginProfile = [](H h, unsigned p, const Layout &l) {
-        return TPEBgnSeqWriteProfile(h, l.count, l.first, pingTime(p), 1000 + p, p);
-    };
-    f.writeBeam = [](H h, unsigned p, unsigned k) {
-        return TPESeqWrite(h, beamTimeOf(p, k), 0.001 * (p + k), -0.5 * k, statusOf(p, k));
-    };
-    f.endProfile = TPEEndSeqWriteProfile;
-    f.readProfileSeq = [](H h, unsigned &n) { unsigned b, w, s; double t; return TPEReadProfileSeq(h, &n, &b, &t, &w, &s); };
-    f.readSeq = [](H h, Values &v) {
-        unsigned s; v.assign(4, 0);
-        const int rc = TPEReadSeq(h, &v[0], &v[1], &v[2], &s);
-        v[3] = s; return rc;
-    };
-    f.read = [](H h, unsigned p, unsigned b, Values &v) {
-        unsigned s; v.assign(4, 0);
-        const int rc = TPERead(h, p, b, &v[0], &v[1], &v[2], &s);
-        v[3] = s; return rc;
-    };
-    return f;
+    return {"TPE", 5002700, TPEOpenDir, TPEClose, TPEBgnSeqWriteLineSegment, TPEEndSeqWriteLineSegment,
+            [](H h, unsigned p, const Layout &l) {
+                return TPEBgnSeqWriteProfile(h, l.count, l.first, pingTime(p), 1000 + p, p);
+            },
+            TPEEndSeqWriteProfile,
+            [](H h, unsigned &n) {
+                unsigned b, w, s;
+                double t;
+                return TPEReadProfileSeq(h, &n, &b, &t, &w, &s);
+            },
+            [](H h, Reading &r) { return TPEReadSeq(h, &r.v[0], &r.v[1], &r.v[2], &r.status); },
+            [](H h, unsigned p, unsigned b, Reading &r) { return TPERead(h, p, b, &r.v[0], &r.v[1], &r.v[2], &r.status); },
+            nullptr,
+            [](H h, unsigned p, unsigned k) {
+                return TPESeqWrite(h, beamTimeOf(p, k), 0.001 * (p + k), -0.5 * k, statusOf(p, k));
+            }};
 }
 
 // The first `profiles` profiles of the layout.
@@ -141,15 +117,11 @@ inline void writeLine(const Family &f, const std::wstring &dir, unsigned profile
     H h = f.open(dir, L"create");
     ASSERT_NE(h, nullptr);
     for (unsigned p = 1; p <= profiles; ++p) {
-        if (p == 1 || p == 4) {
-            ASSERT_EQ(f.beginSegment(h, p == 1 ? L"a.raw" : L"b.raw"), 0);
-        }
+        ASSERT_EQ(p == 1 || p == 4 ? f.beginSegment(h, p == 1 ? L"a.raw" : L"b.raw") : 0, 0);
         ASSERT_EQ(f.beginProfile(h, p, kLayout[p - 1]), 0);
         for (unsigned k = 0; k < kLayout[p - 1].count; ++k) ASSERT_EQ(f.writeBeam(h, p, k), 0);
         ASSERT_EQ(f.endProfile(h), 0);
-        if (p == 3 || p == profiles) {
-            ASSERT_EQ(f.endSegment(h, p), 0);
-        }
+        ASSERT_EQ(p == 3 || p == profiles ? f.endSegment(h, p) : 0, 0);
     }
     ASSERT_EQ(f.close(h), 0);
 }

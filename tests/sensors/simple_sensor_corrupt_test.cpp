@@ -1,7 +1,6 @@
 #include <velmio/simple_sensor.h>
 
-#include "linestore/sensor.h"
-#include "tests/sensors/simple_sensor_helpers.h"
+#include "tests/sensors/sensor_test_support.h"
 
 #include <cwchar>
 
@@ -95,11 +94,9 @@ TEST(SimpleSensorCorrupt, SaveNeverWritesThroughABadOffset) {
     TempDir dir;
     writeGyroLine(dir);
     patchWord(dir.file("GyroTmIdx"), 52, 16);  // record 2 "at" the summary
-    int error = -1;
-    TOVO_Sensor *h = GyroOpenDir(dir.wpath().c_str(), L"update", &error);
+    TOVO_Sensor *h = openLine(GyroOpenDir, dir, L"update");
     ASSERT_NE(h, nullptr);
-    ASSERT_EQ(GyroSetRecordStatus(h, 2, 0xEE), 0);
-    ASSERT_EQ(GyroSetRecordStatus(h, 3, 0xDD), 0);
+    ASSERT_EQ(GyroSetRecordStatus(h, 2, 0xEE) + GyroSetRecordStatus(h, 3, 0xDD), 0);
     EXPECT_EQ(GyroSaveStatusToDisk(h), 5001210);
     EXPECT_EQ(h->shadowChanged[2], 1);
     EXPECT_EQ(GyroClose(h), 0);
@@ -123,10 +120,9 @@ TEST(SimpleSensorCorrupt, LongPathComponentsDoNotOverflow) {
     ASSERT_NE(h, nullptr);
     EXPECT_EQ(std::wcslen(h->project), 63u);
     EXPECT_EQ(std::wstring(h->line), std::wstring(63, L'L'));
-    HeaveBgnSeqWriteLineSegment(h, std::wstring(300, L'n').c_str());
-    ASSERT_EQ(HeaveSeqWrite(h, 1.0, 2.0, 3), 0);
-    HeaveEndSeqWriteLineSegment(h, 0);
-    ASSERT_EQ(HeaveClose(h), 0);
+    for (int rc : {HeaveBgnSeqWriteLineSegment(h, std::wstring(300, L'n').c_str()), HeaveSeqWrite(h, 1.0, 2.0, 3),
+                   HeaveEndSeqWriteLineSegment(h, 0), HeaveClose(h)})
+        ASSERT_EQ(rc, 0);
     h = HeaveOpenDir(wline.c_str(), L"query", &error);
     ASSERT_NE(h, nullptr);
     wchar_t *name = nullptr;

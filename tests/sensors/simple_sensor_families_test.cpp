@@ -1,6 +1,6 @@
 #include <velmio/simple_sensor.h>
 
-#include "tests/sensors/simple_sensor_helpers.h"
+#include "tests/sensors/sensor_test_support.h"
 
 #include <string>
 #include <tuple>
@@ -55,52 +55,42 @@ const Family kFamilies[] = {
     FAMILY(TrueHeave, "TrueHeave", 55, false),
 };
 
-// Write, read and edit, in the calling orders of the flat interface.
-TEST(SensorFamilies, EveryFamilyWritesReadsAndEdits) {
+// Write, edit and read back, in the calling orders of the flat interface.
+TEST(SensorFamilies, EveryFamilyWritesEditsAndReads) {
     for (const Family &f : kFamilies) {
         SCOPED_TRACE(f.file);
         TempDir dir;
         const std::wstring line = dir.wpath();
-        int error = -1;
-        TOVO_Sensor *h = f.openDir(line.c_str(), L"create", &error);
-        ASSERT_NE(h, nullptr) << error;
+        TOVO_Sensor *h = openLine(f.openDir, dir, L"create");
+        ASSERT_NE(h, nullptr);
         for (int rc : {f.bgnSummary(h), f.bgnSegment(h, L"src"), f.seqWrite(h, 600.0, 0.5, 1),
                        f.seqWrite(h, 601.0, 0.75, 2), f.endSegment(h, 3), f.endSummary(h, 4), f.close(h)})
             ASSERT_EQ(rc, 0);
-        // The file's type and the value's scale: 0.5 as 1e-7 rad or mm.
+        // The file's type, the statuses and the value's scale: 0.5 as 1e-7 rad or mm.
         const Bytes data = readFile(dir.file(f.file));
         ASSERT_EQ(data.size(), 72u);
-        EXPECT_TRUE(SameBytes(words({kTOVO, f.id}), Bytes(data.begin(), data.begin() + 8)));
+        EXPECT_TRUE(SameBytes(words({kTovo, f.id, 1, 1, 4}), Bytes(data.begin(), data.begin() + 20)));
         EXPECT_TRUE(SameBytes(words({1, 0, f.radians ? 5000000 : 500}), Bytes(data.begin() + 48, data.begin() + 60)));
-        EXPECT_TRUE(fileExists(dir.file(f.file + "LineSegments"s)) && fileExists(dir.file(f.file + "TmIdx"s)));
+        EXPECT_EQ(readFile(dir.file(f.file + "LineSegments"s)).at(23), 3);
+        EXPECT_TRUE(fileExists(dir.file(f.file + "TmIdx"s)));
 
-        h = f.openDir(line.c_str(), L"query", &error);
-        ASSERT_NE(h, nullptr) << error;
-        unsigned int segments = 0, records = 0, status = 0;
-        double t, v;
-        ASSERT_EQ(f.summary(h, &segments, &records, nullptr, nullptr, nullptr, nullptr, &status), 0);
-        EXPECT_EQ(segments * 100 + records * 10 + status, 124u);
-        wchar_t *name = nullptr;
-        ASSERT_EQ(f.lineSegment(h, 1, &name, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &status), 0);
-        EXPECT_STREQ(name, L"src");
-        VELMIO_free(name);
-        ASSERT_EQ(f.readSeq(h, &t, &v, &status), 0);
-        ASSERT_EQ(f.read(h, 2, &t, &v, &status), 0);
-        EXPECT_EQ(std::make_pair(t, v), std::make_pair(601.0, 0.75));
-        ASSERT_EQ(f.close(h), 0);
-
-        h = f.openDir(line.c_str(), L"update", &error);
-        ASSERT_NE(h, nullptr) << error;
+        h = openLine(f.openDir, dir, L"update");
         for (int rc : {f.setRecordStatus(h, 2, 0x80), f.setSegmentStatus(h, 1, 0x81), f.setSummaryStatus(h, 0x82),
                        f.save(h), f.close(h)})
             ASSERT_EQ(rc, 0);
-        h = f.openDir(line.c_str(), L"query", &error);
-        unsigned int edited[3];
-        ASSERT_EQ(f.read(h, 2, &t, &v, &edited[0]), 0);
-        ASSERT_EQ(f.lineSegment(h, 1, &name, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &edited[1]), 0);
-        free(name);
-        ASSERT_EQ(f.summary(h, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &edited[2]), 0);
-        EXPECT_EQ(std::make_tuple(edited[0], edited[1], edited[2]), std::make_tuple(0x80u, 0x81u, 0x82u));
+        h = openLine(f.openDir, dir, L"query");
+        unsigned int segments = 0, records = 0, status[3] = {};
+        double t, v;
+        ASSERT_EQ(f.summary(h, &segments, &records, nullptr, nullptr, nullptr, nullptr, &status[0]), 0);
+        wchar_t *name = nullptr;
+        ASSERT_EQ(f.lineSegment(h, 1, &name, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &status[1]), 0);
+        EXPECT_STREQ(name, L"src");
+        VELMIO_free(name);
+        EXPECT_EQ(std::make_tuple(segments, records, status[0], status[1]), std::make_tuple(1u, 2u, 0x82u, 0x81u));
+        ASSERT_EQ(f.readSeq(h, &t, &v, &status[2]), 0);
+        EXPECT_EQ(std::make_tuple(t, v, status[2]), std::make_tuple(600.0, 0.5, 1u));
+        ASSERT_EQ(f.read(h, 2, &t, &v, &status[2]), 0);
+        EXPECT_EQ(std::make_tuple(t, v, status[2]), std::make_tuple(601.0, 0.75, 0x80u));
         ASSERT_EQ(f.close(h), 0);
 
         EXPECT_EQ(f.removeDir(line.c_str()), 0);

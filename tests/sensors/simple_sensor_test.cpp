@@ -1,7 +1,6 @@
 #include <velmio/simple_sensor.h>
 
-#include "linestore/sensor.h"
-#include "tests/sensors/simple_sensor_helpers.h"
+#include "tests/sensors/sensor_test_support.h"
 
 #include <cstdio>
 #include <tuple>
@@ -12,58 +11,37 @@ namespace {
 
 // The files of writeGyroLine, from the tables: reference time 2 minutes,
 // times -20000, -19500, -19000 ms; radians x 1e7.
-const Bytes kGyroData = words({kTOVO, 1, 1, 1, 0x40, 3, 1000, 2, -20000, -19000, -2500000, 31415927,  //
+const Bytes kGyroData = words({kTovo, 1, 1, 1, 0x40, 3, 1000, 2, -20000, -19000, -2500000, 31415927,  //
                                0x10, -20000, 5000000, 0, -19500, -2500000, 7, -19000, 31415927});
-const Bytes kGyroSegments = cat({words({kTOVO, 1, 2, 1, 1, 0x20, 8, 8}), ascii("raw1.dat"),
+const Bytes kGyroSegments = cat({words({kTovo, 1, 2, 1, 1, 0x20, 8, 8}), ascii("raw1.dat"),
                                  words({1, 3, -20000, -19000, -2500000, 31415927})});
 const Bytes kGyroTimeIndex =
-    words({kTOVO, 1, 3, 1, 1, 512, 3, -20000, -19000, 3, -20000, 48, -19500, 60, -19000, 72});
+    words({kTovo, 1, 3, 1, 1, 512, 3, -20000, -19000, 3, -20000, 48, -19500, 60, -19000, 72});
 
-TOVO_Sensor *open(const TempDir &dir, const wchar_t *mode) {
-    int error = -1;
-    TOVO_Sensor *h = GyroOpenDir(dir.wpath().c_str(), mode, &error);
-    EXPECT_EQ(error, 0);
-    return h;
-}
-
-}  // namespace
-
-TEST(SimpleSensorWrite, GyroFilesMatchTheLayout) {
-    TempDir dir;
-    writeGyroLine(dir);
-    EXPECT_TRUE(SameBytes(kGyroData, readFile(dir.file("Gyro"))));
-    EXPECT_TRUE(SameBytes(kGyroSegments, readFile(dir.file("GyroLineSegments"))));
-    EXPECT_TRUE(SameBytes(kGyroTimeIndex, readFile(dir.file("GyroTmIdx"))));
-}
+TOVO_Sensor *open(const TempDir &dir, const wchar_t *mode) { return openLine(GyroOpenDir, dir, mode); }
 
 // Metres clamp at 2000000 m; a 5-character name is padded to 8 bytes; an
 // empty segment has first = last + 1 and its empty ranges encode as the
 // clamped or unrepresentable patterns.
 TEST(SimpleSensorWrite, HeaveFilesMatchTheLayout) {
     TempDir dir;
-    int error = -1;
-    TOVO_Sensor *h = HeaveOpenDir(dir.wpath().c_str(), L"create", &error);
+    TOVO_Sensor *h = openLine(HeaveOpenDir, dir, L"create");
     ASSERT_NE(h, nullptr);
-    HeaveBgnSeqWriteLineSegment(h, L"a");
-    HeaveSeqWrite(h, 3600.25, 1.25, 1);
-    HeaveSeqWrite(h, 3601.0, 2500000.0, 2);
-    HeaveEndSeqWriteLineSegment(h, 0x11);
-    HeaveBgnSeqWriteLineSegment(h, L"bcde5");
-    HeaveSeqWrite(h, 3599.5, -0.5, 3);
-    HeaveEndSeqWriteLineSegment(h, 0x22);
-    HeaveBgnSeqWriteLineSegment(h, L"");
-    HeaveEndSeqWriteLineSegment(h, 0x33);
-    HeaveEndSeqWriteSummary(h, 0x99);
-    ASSERT_EQ(HeaveClose(h), 0);
-    EXPECT_TRUE(SameBytes(words({kTOVO, 2, 1, 1, 0x99, 3, 1000, 60, -500, 1000, -500, 2147483647,  //
+    for (int rc : {HeaveBgnSeqWriteLineSegment(h, L"a"), HeaveSeqWrite(h, 3600.25, 1.25, 1),
+                   HeaveSeqWrite(h, 3601.0, 2500000.0, 2), HeaveEndSeqWriteLineSegment(h, 0x11),
+                   HeaveBgnSeqWriteLineSegment(h, L"bcde5"), HeaveSeqWrite(h, 3599.5, -0.5, 3),
+                   HeaveEndSeqWriteLineSegment(h, 0x22), HeaveBgnSeqWriteLineSegment(h, L""),
+                   HeaveEndSeqWriteLineSegment(h, 0x33), HeaveEndSeqWriteSummary(h, 0x99), HeaveClose(h)})
+        ASSERT_EQ(rc, 0);
+    EXPECT_TRUE(SameBytes(words({kTovo, 2, 1, 1, 0x99, 3, 1000, 60, -500, 1000, -500, 2147483647,  //
                                  1, 250, 1250, 2, 1000, 2147483647, 3, -500, -500}),
                           readFile(dir.file("Heave"))));
-    EXPECT_TRUE(SameBytes(cat({words({kTOVO, 2, 2, 1, 3, 0x11, 1, 1}), ascii("a"), Bytes(3, 0),
+    EXPECT_TRUE(SameBytes(cat({words({kTovo, 2, 2, 1, 3, 0x11, 1, 1}), ascii("a"), Bytes(3, 0),
                                words({1, 2, 250, 1000, 1250, 2147483647, 0x22, 5, 5}), ascii("bcde5"), Bytes(3, 0),
                                words({3, 3, -500, -500, -500, -500, 0x33, 0, 0, 4, 3, 0x80000000, 0x80000000,
                                       2147483647, 0x80000000})}),
                           readFile(dir.file("HeaveLineSegments"))));
-    EXPECT_TRUE(SameBytes(words({kTOVO, 2, 3, 1, 1, 512, 3, -500, 1000, 3, 250, 48, 1000, 60, -500, 72}),
+    EXPECT_TRUE(SameBytes(words({kTovo, 2, 3, 1, 1, 512, 3, -500, 1000, 3, 250, 48, 1000, 60, -500, 72}),
                           readFile(dir.file("HeaveTmIdx"))));
 }
 
@@ -71,9 +49,8 @@ TEST(SimpleSensorWrite, ClosingWithoutRecordsLeavesNoFiles) {
     TempDir dir;
     writeGyroLine(dir);  // an earlier write of the line that the create replaces
     TOVO_Sensor *h = open(dir, L"create");
-    ASSERT_EQ(GyroBgnSeqWriteLineSegment(h, L"empty"), 0);
-    ASSERT_EQ(GyroEndSeqWriteLineSegment(h, 0), 0);
-    ASSERT_EQ(GyroClose(h), 0);
+    for (int rc : {GyroBgnSeqWriteLineSegment(h, L"empty"), GyroEndSeqWriteLineSegment(h, 0), GyroClose(h)})
+        ASSERT_EQ(rc, 0);
     for (const char *name : {"Gyro", "GyroLineSegments", "GyroTmIdx"}) EXPECT_FALSE(fileExists(dir.file(name)));
 }
 
@@ -106,8 +83,7 @@ TEST(SimpleSensorRead, SummarySegmentsAndRecordsComeBack) {
     unsigned int segments, records, status, first, last;
     double t0, t1, v0, v1;
     ASSERT_EQ(GyroSummary(h, &segments, &records, &t0, &t1, &v0, &v1, &status), 0);
-    EXPECT_EQ(std::make_tuple(segments, records, status), std::make_tuple(1u, 3u, 0x40u));
-    EXPECT_EQ(std::make_tuple(t0, t1, v0), std::make_tuple(100.0, 101.0, -0.25));
+    EXPECT_EQ(std::make_tuple(segments, records, status, t0, t1, v0), std::make_tuple(1u, 3u, 0x40u, 100.0, 101.0, -0.25));
     EXPECT_DOUBLE_EQ(v1, 3.1415927);
     EXPECT_EQ(GyroSummary(h, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), 0);
     wchar_t *name = nullptr;
@@ -125,8 +101,7 @@ TEST(SimpleSensorRead, SummarySegmentsAndRecordsComeBack) {
     EXPECT_EQ(std::make_tuple(t, status), std::make_tuple(101.0, 7u));
     ASSERT_EQ(GyroRead(h, 2, nullptr, &v, &status), 0);  // time and value are optional
     EXPECT_DOUBLE_EQ(v, -0.25);
-    EXPECT_EQ(GyroRead(h, 0, &t, &v, &status), 5001219);
-    EXPECT_EQ(GyroRead(h, 4, &t, &v, &status), 5001219);
+    for (unsigned n : {0u, 4u}) EXPECT_EQ(GyroRead(h, n, &t, &v, &status), 5001219);
     EXPECT_EQ(GyroRead(h, 1, &t, &v, nullptr), -1);
     EXPECT_EQ(GyroSetRecordStatus(h, 1, 0), 5001218);
     EXPECT_EQ(GyroClose(h), 0);
@@ -151,9 +126,11 @@ TEST(SimpleSensorRead, NextRecordIsReadWithoutSeeking) {
     EXPECT_EQ(GyroClose(h), 0);
 }
 
+// The written files are checked against the layout before the edits are saved.
 TEST(SimpleSensorUpdate, EditsAreSeenAtOnceAndSavedByteExact) {
     TempDir dir;
     writeGyroLine(dir);
+    EXPECT_TRUE(SameBytes(kGyroSegments, readFile(dir.file("GyroLineSegments"))));
     TOVO_Sensor *h = open(dir, L"update");
     ASSERT_NE(h, nullptr);
     double t, v;
@@ -169,13 +146,9 @@ TEST(SimpleSensorUpdate, EditsAreSeenAtOnceAndSavedByteExact) {
     ASSERT_EQ(GyroSaveStatusToDisk(h), 0);
     ASSERT_EQ(GyroClose(h), 0);
 
-    Bytes data = kGyroData;
-    data[19] = 0x41;      // summary status
-    data[48 + 15] = 0xCD;  // record 2's status
-    Bytes segments = kGyroSegments;
-    segments[23] = 0x21;
-    EXPECT_TRUE(SameBytes(data, readFile(dir.file("Gyro"))));
-    EXPECT_TRUE(SameBytes(segments, readFile(dir.file("GyroLineSegments"))));
+    // The summary's and record 2's status.
+    EXPECT_TRUE(SameBytes(patched(kGyroData, {{16, 0x41}, {60, 0xCD}}), readFile(dir.file("Gyro"))));
+    EXPECT_TRUE(SameBytes(patched(kGyroSegments, 20, 0x21), readFile(dir.file("GyroLineSegments"))));
     EXPECT_TRUE(SameBytes(kGyroTimeIndex, readFile(dir.file("GyroTmIdx"))));
 }
 
@@ -188,12 +161,13 @@ TEST(SimpleSensorUpdate, SavesOnlyChangedRecords) {
     patchWord(dir.file("Gyro"), 48, 0x1111);  // record 1, not edited
     ASSERT_EQ(GyroSetRecordStatus(h, 3, 9), 0);
     ASSERT_EQ(GyroSaveStatusToDisk(h), 0);
-    Bytes after = readFile(dir.file("Gyro"));
+    const Bytes after = readFile(dir.file("Gyro"));
     EXPECT_TRUE(SameBytes(words({0x1111}), Bytes(after.begin() + 48, after.begin() + 52)));
     EXPECT_TRUE(SameBytes(words({9, -19000, 31415927}), Bytes(after.begin() + 72, after.end())));
     patchWord(dir.file("Gyro"), 72, 0x5555);
     ASSERT_EQ(GyroSaveStatusToDisk(h), 0);
-    Bytes again = readFile(dir.file("Gyro"));
-    EXPECT_TRUE(SameBytes(words({0x5555}), Bytes(again.begin() + 72, again.begin() + 76)));
+    EXPECT_TRUE(SameBytes(patched(after, 72, 0x5555), readFile(dir.file("Gyro"))));
     EXPECT_EQ(GyroClose(h), 0);
 }
+
+}  // namespace

@@ -3,9 +3,9 @@
 
 #include "support/test_support.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <map>
 #include <sstream>
@@ -17,37 +17,25 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string environment(const char *name) {
-    const char *value = std::getenv(name);
-    return value ? value : "";
-}
-
 std::string programDirectory() {
     std::error_code ec;
     return fs::read_symlink("/proc/self/exe", ec).parent_path().string();
 }
 
-bool numberCharacter(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '.' || c == '\'';
-}
-
 // Seven-digit integer literals from 5000000 to 5199999 in text: whole number
 // tokens only, so that longer numbers, hex and floating literals do not count.
 void collectCodes(const std::string &text, const std::string &where, std::map<int, std::string> &codes) {
+    auto inNumber = [](char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '.' || c == '\''; };
     int line = 1;
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t i = 0, end = 0; i < text.size(); i = std::max(end, i + 1)) {
         if (text[i] == '\n') ++line;
-        if (!std::isdigit(static_cast<unsigned char>(text[i])) || (i > 0 && numberCharacter(text[i - 1]))) continue;
-        std::size_t end = i;
-        while (end < text.size() && numberCharacter(text[end])) ++end;
+        if (!std::isdigit(static_cast<unsigned char>(text[i])) || (i > 0 && inNumber(text[i - 1]))) continue;
+        for (end = i; end < text.size() && inNumber(text[end]);) ++end;
         std::string token = text.substr(i, end - i);
-        while (!token.empty() && std::strchr("uUlL", token.back())) token.pop_back();
-        if (token.size() == 7 && token.find_first_not_of("0123456789") == std::string::npos) {
-            const int value = std::atoi(token.c_str());
-            if (value >= 5000000 && value <= 5199999 && !codes.count(value))
-                codes[value] = where + ":" + std::to_string(line);
-        }
-        i = end - 1;
+        token.erase(token.find_last_not_of("uUlL") + 1);
+        if (token.size() == 7 && token.find_first_not_of("0123456789") == std::string::npos && token[0] == '5' &&
+            token[1] <= '1')
+            codes.emplace(std::stoi(token), where + ":" + std::to_string(line));
     }
 }
 
@@ -85,26 +73,21 @@ TEST(MessageBundle, PresentKeysGiveTheirTexts) {
     EXPECT_NE(std::wstring::npos, text.str().find(L"\"YYYY-DDD hh:mm:ss\"\n       velmio time"));
 }
 
-TEST(MessageBundle, MissingKeyGivesMinusOneAndAnEmptyResult) {
-    for (const wchar_t *key : {L"NoSuchKey", L"", L"E5000009 ", L"\u00c49"}) {
+TEST(MessageBundle, MissingKeyOrBundleGivesMinusOneAndAnEmptyResult) {
+    TempDir empty;
+    const std::pair<std::wstring, std::wstring> cases[] = {
+        {L"NoSuchKey", L""}, {L"", L""}, {L"E5000009 ", L""}, {L"\u00c49", L""},
+        {L"E5000009", L"NoSuchBundle"}, {L"E5000009", empty.wpath()}, {L"E5000009", empty.wfile("absent")}};
+    for (const auto &[key, bundle] : cases) {
         MORVAUString text(L"stale");
-        EXPECT_EQ(-1, VELMIOUtils::findResourceString(key, text));
+        EXPECT_EQ(-1, VELMIOUtils::findResourceString(key.c_str(), text, bundle.c_str()));
         EXPECT_TRUE(text.empty());
     }
     MORVAUString text;
     EXPECT_EQ(-1, VELMIOUtils::findErrorMessage(1234567, text));
 }
 
-TEST(MessageBundle, UnopenableBundleGivesMinusOneAndAnEmptyResult) {
-    TempDir empty;
-    for (const std::wstring &bundle : {std::wstring(L"NoSuchBundle"), empty.wpath(), empty.wfile("absent")}) {
-        MORVAUString text(L"stale");
-        EXPECT_EQ(-1, VELMIOUtils::findResourceString(L"E5000009", text, bundle));
-        EXPECT_TRUE(text.empty());
-    }
-}
-
-TEST(MessageBundle, ExplicitBundleNameIsFoundBesideTheProgram) {
+TEST(MessageBundle, ExplicitBundleIsFoundBesideTheProgramOrAtItsPath) {
     MORVAUString text;
     ASSERT_EQ(0, VELMIOUtils::findResourceString(L"Greeting", text, L"VelmTestMessages"));
     EXPECT_EQ(MORVAUString(L"Gr\u00fc\u00dfe aus dem Testb\u00fcndel"), text);
@@ -116,6 +99,13 @@ TEST(MessageBundle, ExplicitBundleNameIsFoundBesideTheProgram) {
     MORVAUString directory;
     ASSERT_TRUE(VELMIOUtils::findMessageBundleDirectory(L"VelmTestMessages", directory));
     EXPECT_EQ(programDirectory() + "/VelmTestMessages", directory.toUtf8());
+
+    // A bundle given as a directory path is opened there.
+    TempDir dir;
+    fs::create_directory(dir.file("Copy"));
+    fs::copy_file(programDirectory() + "/VelmTestMessages/root.res", dir.file("Copy/root.res"));
+    ASSERT_EQ(0, VELMIOUtils::findResourceString(L"Greeting", text, dir.wpath() + L"\\Copy"));
+    EXPECT_EQ(MORVAUString(L"Gr\u00fc\u00dfe aus dem Testb\u00fcndel"), text);
 }
 
 TEST(MessageBundle, DefaultBundleComesFromTheBuildWhenNotBesideTheProgram) {
@@ -126,19 +116,10 @@ TEST(MessageBundle, DefaultBundleComesFromTheBuildWhenNotBesideTheProgram) {
     EXPECT_TRUE(directory.empty());
 }
 
-TEST(MessageBundle, BundleGivenAsADirectoryPathIsOpenedThere) {
-    TempDir dir;
-    fs::create_directory(dir.file("Copy"));
-    fs::copy_file(programDirectory() + "/VelmTestMessages/root.res", dir.file("Copy/root.res"));
-    MORVAUString text;
-    ASSERT_EQ(0, VELMIOUtils::findResourceString(L"Greeting", text, dir.wpath() + L"\\Copy"));
-    EXPECT_EQ(MORVAUString(L"Gr\u00fc\u00dfe aus dem Testb\u00fcndel"), text);
-}
-
 TEST(MessageBundle, EveryCodeInTheLibrarySourcesHasAMessage) {
     // Scanned when the test runs: the other folders change after this is built.
-    std::string root = environment("VELMIO_SOURCE_DIR");
-    if (root.empty()) root = VELMIO_TEST_SOURCE_DIR;
+    const char *fromEnvironment = std::getenv("VELMIO_SOURCE_DIR");
+    const std::string root = fromEnvironment && *fromEnvironment ? fromEnvironment : VELMIO_TEST_SOURCE_DIR;
     const auto codes = codesInLibrarySources(root);
     // The scan must see the codes of this folder, or it proves nothing.
     ASSERT_TRUE(codes.count(5017202) && codes.count(5100010));

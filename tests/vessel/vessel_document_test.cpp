@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 using namespace velmio::test;
 
@@ -15,60 +16,42 @@ namespace {
 // ready during static initialisation of another file.
 double t0() { return TmYDStoUTCs80(2004, 100, 0.0); }
 
-// One entry of every kind, each with settings away from their defaults.
-void addEveryKind(VELMVessel &vessel) {
-    auto depth = std::make_shared<VELMDepthConfig>(t0());
-    depth->setSensorClass(L"Sweep");
-    depth->setMRUToBoomOffset(0.5, 0.25, 0.125);
-    VELMTransducerConfig t(1, 1);
-    t.setPositionOffset(1, 2, 3);
-    t.setSerialNumber(L"T1");
-    depth->addTransducer(t);
-    depth->addTransducer(VELMTransducerConfig(2, 101, false));
-    auto draft = std::make_shared<VELMDraftConfig>(t0());
-    draft->setDraft(3.0, 0.4);
-    auto gyro = std::make_shared<VELMGyroConfig>(t0());
-    gyro->setGyroOffset(2.0, 0.0);
-    gyro->setModel(L"G\u00fc");
-    auto heave = std::make_shared<VELMHeaveConfig>(t0());
-    heave->setHeaveOffset(0.3);
-    auto nav = std::make_shared<VELMNavConfig>(t0());
-    nav->setEllipseName(L"WGS84");
-    auto pitch = std::make_shared<VELMPitchConfig>(t0());
-    pitch->setPitchOffset(1.5);
-    auto roll = std::make_shared<VELMRollConfig>(t0());
-    roll->setRollOffset(-1.5);
-    auto svp = std::make_shared<VELMSVPConfig>(t0());
-    svp->setDualHead(true);
-    svp->setMountAngle(2, 1, 2, 3);
-    auto sideScan = std::make_shared<VELMSideScanConfig>(t0());
-    sideScan->setManufacturer(L"SS");
-    auto ssGyro = std::make_shared<VELMSideScanGyroConfig>(t0());
-    ssGyro->setGyroStdDev(0.05);
-    ssGyro->setGyroOffset(1.0, 180.0);
-    auto ssHeave = std::make_shared<VELMSideScanHeaveConfig>(t0());
-    ssHeave->setApplyFlag(true);
-    auto ssNav = std::make_shared<VELMSideScanNavConfig>(t0());
-    ssNav->setOffsets(4, 5, 6);
-    auto ssPitch = std::make_shared<VELMSideScanPitchConfig>(t0());
-    ssPitch->setPitchOffset(0.7);
-    auto ssRoll = std::make_shared<VELMSideScanRollConfig>(t0());
-    ssRoll->setRollOffset(0.8);
-    auto towed = std::make_shared<VELMTowedSSSConfig>(t0());
-    towed->setLayback(25.0);
-    auto tpe = std::make_shared<VELMTPEConfig>(t0());
-    tpe->setOffsetMRUToTrans(1, 2, 3, 4, 5, 6);
-    tpe->setMRUAlignmentStdDev(0.1, 0.2, 0.3);
-    tpe->setDeltaDraftStdDev(0.9);
-    tpe->setStDevComment(L"figures");
-    auto waterline = std::make_shared<VELMWaterlineHeight>(t0());
-    waterline->setWaterLine(1.75);
-    waterline->setAuthorization(L"chief");
-    for (std::shared_ptr<VELMVesselSensorConfig> e :
-         std::initializer_list<std::shared_ptr<VELMVesselSensorConfig>>{
-             waterline, tpe, towed, ssRoll, ssPitch, ssNav, ssHeave, ssGyro, sideScan, svp, roll, pitch, nav, heave,
-             gyro, draft, depth})
-        ASSERT_EQ(vessel.addSensor(e), 0);
+template <typename Entry, typename Settings>
+void add(VELMVessel &vessel, Settings settings) {
+    auto entry = std::make_shared<Entry>(t0());
+    settings(*entry);
+    ASSERT_EQ(vessel.addSensor(entry), 0);
+}
+
+// One entry of every kind, each with settings away from their defaults,
+// added against kind name order so that the file's order is the library's.
+void addEveryKind(VELMVessel &v) {
+    add<VELMWaterlineHeight>(v, [](auto &e) { e.setWaterLine(1.75), e.setAuthorization(L"chief"); });
+    add<VELMTPEConfig>(v, [](auto &e) {
+        e.setOffsetMRUToTrans(1, 2, 3, 4, 5, 6), e.setMRUAlignmentStdDev(0.1, 0.2, 0.3);
+        e.setDeltaDraftStdDev(0.9), e.setStDevComment(L"figures");
+    });
+    add<VELMTowedSSSConfig>(v, [](auto &e) { e.setLayback(25.0); });
+    add<VELMSideScanRollConfig>(v, [](auto &e) { e.setRollOffset(0.8); });
+    add<VELMSideScanPitchConfig>(v, [](auto &e) { e.setPitchOffset(0.7); });
+    add<VELMSideScanNavConfig>(v, [](auto &e) { e.setOffsets(4, 5, 6); });
+    add<VELMSideScanHeaveConfig>(v, [](auto &e) { e.setApplyFlag(true); });
+    add<VELMSideScanGyroConfig>(v, [](auto &e) { e.setGyroStdDev(0.05), e.setGyroOffset(1.0, 180.0); });
+    add<VELMSideScanConfig>(v, [](auto &e) { e.setManufacturer(L"SS"); });
+    add<VELMSVPConfig>(v, [](auto &e) { e.setDualHead(true), e.setMountAngle(2, 1, 2, 3); });
+    add<VELMRollConfig>(v, [](auto &e) { e.setRollOffset(-1.5); });
+    add<VELMPitchConfig>(v, [](auto &e) { e.setPitchOffset(1.5); });
+    add<VELMNavConfig>(v, [](auto &e) { e.setEllipseName(L"WGS84"); });
+    add<VELMHeaveConfig>(v, [](auto &e) { e.setHeaveOffset(0.3); });
+    add<VELMGyroConfig>(v, [](auto &e) { e.setGyroOffset(2.0, 0.0), e.setModel(L"G\u00fc"); });
+    add<VELMDraftConfig>(v, [](auto &e) { e.setDraft(3.0, 0.4); });
+    add<VELMDepthConfig>(v, [](auto &e) {
+        e.setSensorClass(L"Sweep"), e.setMRUToBoomOffset(0.5, 0.25, 0.125);
+        VELMTransducerConfig t(1, 1);
+        t.setPositionOffset(1, 2, 3), t.setSerialNumber(L"T1");
+        e.addTransducer(t);
+        e.addTransducer(VELMTransducerConfig(2, 101, false));
+    });
 }
 
 std::unique_ptr<VELMVessel> open(const std::wstring &path, int &error) {
@@ -110,24 +93,16 @@ TEST(VesselDocument, EveryKindIsStoredWellFormedAndReadsBackUnchanged) {
     auto back = open(dir.wfile("boat.tvc"), error);
     ASSERT_EQ(error, 0);
     EXPECT_FALSE(back->isModified());
-    EXPECT_EQ(back->getFileVersion(), 2.0f);
-    EXPECT_EQ(back->getSensors().size(), 17u);
     ASSERT_EQ(back->setFileName(dir.wfile("copy.tvc").c_str()), 0);
     ASSERT_EQ(back->store(), 0);
     EXPECT_EQ(readText(dir.file("copy.tvc")), first);
 
-    auto gyro = back->getSensor<VELMGyroConfig>(t0(), error);
-    ASSERT_TRUE(gyro);
-    EXPECT_STREQ(gyro->getModel(), L"G\u00fc");
-    EXPECT_EQ(gyro->getGyroOffset(0.0), 2.0);
-    auto depth = back->getSensor<VELMDepthConfig>(t0(), error);
-    ASSERT_TRUE(depth);
-    ASSERT_EQ(depth->getNumTransducers(), 2u);
-    EXPECT_EQ(depth->getTransducer(1)->getStartBeam(), 101u);
+    // And the values themselves, in case writing and reading are wrong alike.
+    EXPECT_STREQ(back->getSensor<VELMGyroConfig>(t0(), error)->getModel(), L"G\u00fc");
+    EXPECT_EQ(back->getSensor<VELMDepthConfig>(t0(), error)->getTransducer(1)->getStartBeam(), 101u);
     double l, w, h;
     back->getVesselShape().getRP(l, w, h);
     EXPECT_EQ(w, 8.0);
-    EXPECT_EQ(back->getVesselShape().getPlanViewCoords().size(), 1u);
 }
 
 TEST(VesselDocument, HandWrittenMixedCaseDocumentReadsTheSameValues) {
@@ -151,10 +126,7 @@ TEST(VesselDocument, HandWrittenMixedCaseDocumentReadsTheSameValues) {
     ASSERT_TRUE(heave);
     double x, y, z;
     heave->getOffsets(x, y, z);
-    EXPECT_EQ(x, 1.5);
-    EXPECT_EQ(y, 2.0);
-    EXPECT_EQ(z, -3.0);
-    EXPECT_EQ(heave->getHeaveOffset(), 0.5);
+    EXPECT_EQ(std::vector<double>({x, y, z, heave->getHeaveOffset()}), std::vector<double>({1.5, 2.0, -3.0, 0.5}));
     EXPECT_TRUE(heave->getApplyFlag());
     double l, w, h;
     vessel->getVesselShape().getRP(l, w, h);
@@ -185,42 +157,35 @@ TEST(VesselDocument, EntryIsValidFromItsTimeUntilTheNext) {
 }
 
 TEST(VesselDocument, AddRetimeAndRemoveKeepOneEntryPerTime) {
+    TempDir dir;
     VELMVessel vessel;
+    vessel.setFileName(dir.wfile("boat.tvc").c_str());
     EXPECT_EQ(vessel.addSensor(nullptr), 5100007);
-    auto first = std::make_shared<VELMRollConfig>(100.0);
+    auto first = std::make_shared<VELMRollConfig>(t0());
     ASSERT_EQ(vessel.addSensor(first), 0);
-    EXPECT_EQ(vessel.addSensor(std::make_shared<VELMRollConfig>(100.0)), 5100008);
-    ASSERT_EQ(vessel.addSensor(std::make_shared<VELMRollConfig>(300.0)), 0);
+    EXPECT_EQ(vessel.addSensor(std::make_shared<VELMRollConfig>(t0())), 5100008);
+    ASSERT_EQ(vessel.addSensor(std::make_shared<VELMRollConfig>(t0() + 300.0)), 0);
+    ASSERT_EQ(vessel.addSensor(std::make_shared<VELMHeaveConfig>(t0())), 0);
+    ASSERT_EQ(vessel.store(), 0);
     VELMVesselSensorList *list = vessel.getSensorList<VELMRollConfig>();
     ASSERT_NE(list, nullptr);
     EXPECT_EQ(list->getCount(), 2u);
 
-    ASSERT_EQ(list->updateTimeStamp(first.get(), 400.0), 0);  // moves after 300
-    EXPECT_EQ(list->getFirstConfig()->getTimeStamp(), 300.0);
+    ASSERT_EQ(list->updateTimeStamp(first.get(), t0() + 400.0), 0);  // moves after the other
+    EXPECT_EQ(list->getFirstConfig()->getTimeStamp(), t0() + 300.0);
     EXPECT_EQ(list->getNextConfig(list->getFirstConfig().get()), first);
-    EXPECT_EQ(list->updateTimeStamp(first.get(), 300.0), 5100008);  // collides: dropped
+    EXPECT_EQ(list->updateTimeStamp(first.get(), t0() + 300.0), 5100008);  // collides: dropped
     EXPECT_EQ(list->getCount(), 1u);
     EXPECT_EQ(list->updateTimeStamp(nullptr, 1.0), -1);
 
     EXPECT_EQ(vessel.removeSensor(999.0, L"RollSensor"), 5100009);
-    EXPECT_EQ(vessel.removeSensor(300.0, L"HeaveSensor"), 5100003);
-    ASSERT_EQ(vessel.removeSensor(300.0, L"RollSensor"), 0);
-    EXPECT_EQ(vessel.getSensorList(L"RollSensor"), nullptr);  // emptied list goes
+    EXPECT_EQ(vessel.removeSensor(t0() + 300.0, L"GyroSensor"), 5100003);
+    ASSERT_EQ(vessel.removeSensor(t0() + 300.0, L"RollSensor"), 0);
+    EXPECT_EQ(vessel.getSensorList(L"RollSensor"), nullptr);  // emptied list goes, from the file too
     EXPECT_EQ(vessel.removeAllSensors(L"RollSensor"), 5100003);
-}
-
-TEST(VesselDocument, RemovingTheLastEntryOfAKindRemovesItsListFromTheFile) {
-    TempDir dir;
-    VELMVessel vessel;
-    vessel.setFileName(dir.wfile("boat.tvc").c_str());
-    vessel.addSensor(std::make_shared<VELMGyroConfig>(t0()));
-    vessel.addSensor(std::make_shared<VELMHeaveConfig>(t0()));
-    ASSERT_EQ(vessel.store(), 0);
-    ASSERT_NE(readText(dir.file("boat.tvc")).find("<GyroSensor>"), std::string::npos);
-    ASSERT_EQ(vessel.removeSensor(t0(), L"GyroSensor"), 0);
     ASSERT_EQ(vessel.store(), 0);
     const std::string text = readText(dir.file("boat.tvc"));
-    EXPECT_EQ(text.find("GyroSensor"), std::string::npos);
+    EXPECT_EQ(text.find("RollSensor"), std::string::npos);
     EXPECT_NE(text.find("<HeaveSensor>"), std::string::npos);
 }
 
@@ -253,7 +218,6 @@ TEST(VesselDocument, FileNamesTakeTheTvcExtension) {
     ASSERT_EQ(vessel.setFileName(L"dir\\boat.TVC"), 0);
     EXPECT_STREQ(vessel.getFileName(), L"dir\\boat.TVC");
     EXPECT_EQ(vessel.setFileName(nullptr), 5100002);
-    EXPECT_STREQ(VELMVessel::getDefaultExtension(), L".tvc");
     EXPECT_EQ(VELMVessel().store(), 5100002);
 }
 

@@ -6,6 +6,7 @@
 #include <clocale>
 #include <cwchar>
 #include <string>
+#include <utility>
 
 using namespace velmio::test;
 
@@ -34,21 +35,19 @@ TEST(XmlHelpers, LookupFromRootSearchesItsChildrenOtherNodesThemselvesAndLaterSi
 TEST(XmlHelpers, ReadsResetTheResultAndTellWhetherTheElementExists) {
     Doc doc = parseXml("<Root><NoValue/><Int value=\"12abc\"/><Text value=\"abc\"/><Real value=\"2.5e1x\"/>"
                        "<Empty value=\"\"/></Root>");
-    int i = 7;
-    double d = 7.0;
-    wchar_t s[16] = L"stale";
-    EXPECT_EQ(VELM::ReadElementInt(root(doc), L"Missing", &i), nullptr);
-    EXPECT_EQ(VELM::ReadElementDouble(root(doc), L"Missing", &d), nullptr);
-    EXPECT_EQ(VELM::ReadElementString(root(doc), L"Missing", s, 16), nullptr);
-    EXPECT_EQ(i, 0);
-    EXPECT_EQ(d, 0.0);
-    EXPECT_STREQ(s, L"");
-
-    i = 7, d = 7.0;
-    EXPECT_NE(VELM::ReadElementInt(root(doc), L"NoValue", &i), nullptr);
-    EXPECT_NE(VELM::ReadElementDouble(root(doc), L"novalue", &d), nullptr);
-    EXPECT_EQ(i, 0);
-    EXPECT_EQ(d, 0.0);
+    int i;
+    double d;
+    wchar_t s[16];
+    const std::pair<const wchar_t *, bool> names[] = {{L"Missing", false}, {L"novalue", true}};
+    for (const auto &[name, found] : names) {
+        i = 7, d = 7.0, std::wcscpy(s, L"stale");
+        EXPECT_EQ(VELM::ReadElementInt(root(doc), name, &i) != nullptr, found);
+        EXPECT_EQ(VELM::ReadElementDouble(root(doc), name, &d) != nullptr, found);
+        EXPECT_EQ(VELM::ReadElementString(root(doc), name, s, 16) != nullptr, found);
+        EXPECT_EQ(i, 0);
+        EXPECT_EQ(d, 0.0);
+        EXPECT_STREQ(s, L"");
+    }
 
     // Malformed numbers read as atoi and atof make of their leading part.
     VELM::ReadElementInt(root(doc), L"Int", &i);
