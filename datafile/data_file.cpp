@@ -145,12 +145,12 @@ void VELMDataFile::copyFrom(const VELMDataFile &other) {
         }
     }
 
-    summaryValues_.assign(other.summaryValues_.size(), dataValue{});
+    summaryValues_.assign(other.summaryValues_.size(), zeroValue());
     summaryCounts_ = other.summaryCounts_;
     for (std::size_t i = 0; i < summaryValues_.size(); ++i)
         if (!copyValue(summaryAttributes_[i].type, other.summaryValues_[i], summaryCounts_[i], summaryValues_[i]))
             summaryCounts_[i] = 0;
-    currentValues_.assign(other.currentValues_.size(), dataValue{});
+    currentValues_.assign(other.currentValues_.size(), zeroValue());
     currentCounts_ = other.currentCounts_;
     for (std::size_t i = 0; i < currentValues_.size(); ++i)
         if (!copyValue(dataAttributes_[i].type, other.currentValues_[i], currentCounts_[i], currentValues_[i]))
@@ -402,7 +402,7 @@ int VELMDataFile::ReadSummary() {
         summaryAttributes_.swap(summaryAttributes);
         summaryValues_.swap(summaryValues);
         summaryCounts_.swap(summaryCounts);
-        currentValues_.assign(dataAttributes_.size(), dataValue{});
+        currentValues_.assign(dataAttributes_.size(), zeroValue());
         currentCounts_.assign(dataAttributes_.size(), 0);
         variableLength_ = false;
         for (const Attribute &a : dataAttributes_) {

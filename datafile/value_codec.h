@@ -50,6 +50,14 @@ bool encodeValue(xdr::XDR *x, dataType type, const dataValue &value, int count);
 // gives a null pointer. count is 1 for scalars.
 bool decodeValue(xdr::XDR *x, dataType type, dataValue &value, int &count);
 
+// A value with all eight bytes zero (a null array pointer). dataValue{}
+// zeroes only the union's first, four-byte member.
+inline dataValue zeroValue() {
+    dataValue v;
+    v.d = 0.0;
+    return v;
+}
+
 // Text as an XDR string (length unit, bytes, zero padding).
 bool encodeText(xdr::XDR *x, const std::string &text);
 // Refuses lengths above limit or above the bytes left in the memory stream.
