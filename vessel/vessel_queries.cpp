@@ -30,6 +30,14 @@ void put(T *output, T value) {
     if (output) *output = value;
 }
 
+// The X, Y, Z offsets of an entry that has them.
+template <class Entry>
+void putOffsets(const Entry &e, double *x, double *y, double *z) {
+    double ox, oy, oz;
+    e.getOffsets(ox, oy, oz);
+    put(x, ox), put(y, oy), put(z, oz);
+}
+
 // Strings and arrays handed out by one query: all of them, or none when an
 // allocation fails.
 class HandOut {
@@ -160,11 +168,9 @@ VELMIO_API int VesselHeaveSensorTmIdxConfig(VELMVesselHandle *vessel, double tim
         std::shared_ptr<VELMHeaveConfig> e;
         if (int status = lookup(vessel, time, 5000414, 5000415, e)) return status;
         HandOut out;
-        double x, y, z;
-        e->getOffsets(x, y, z);
         put(entryTime, e->getTimeStamp());
         out.identity(*e, manufacturer, model, serialNumber);
-        put(offsetX, x), put(offsetY, y), put(offsetZ, z);
+        putOffsets(*e, offsetX, offsetY, offsetZ);
         put(latency, e->getLatency());
         put(heaveOffset, e->getHeaveOffset());
         put(applyFlag, e->getApplyFlag() ? 1 : 0);
@@ -185,12 +191,10 @@ VELMIO_API int VesselNavigationSensorTmIdxConfig(VELMVesselHandle *vessel, doubl
         std::shared_ptr<VELMNavConfig> e;
         if (int status = lookup(vessel, time, 5000416, 5000417, e)) return status;
         HandOut out;
-        double x, y, z;
-        e->getOffsets(x, y, z);
         put(entryTime, e->getTimeStamp());
         out.identity(*e, manufacturer, model, serialNumber);
         out.text(ellipseName, e->getEllipseName());
-        put(offsetX, x), put(offsetY, y), put(offsetZ, z);
+        putOffsets(*e, offsetX, offsetY, offsetZ);
         put(latency, e->getLatency());
         out.notes(*e, comment, authorization);
         return out.finish();
@@ -278,11 +282,9 @@ VELMIO_API int VesselTowedTmIdxConfig(VELMVesselHandle *vessel, double time, dou
         std::shared_ptr<VELMTowedSSSConfig> e;
         if (int status = lookup(vessel, time, 5000408, 5000409, e)) return status;
         HandOut out;
-        double x, y, z;
-        e->getOffsets(x, y, z);
         put(entryTime, e->getTimeStamp());
         out.identity(*e, manufacturer, model, serialNumber);
-        put(offsetX, x), put(offsetY, y), put(offsetZ, z);
+        putOffsets(*e, offsetX, offsetY, offsetZ);
         put(latency, e->getLatency());
         put(layback, e->getLayback());
         return out.finish();
