@@ -107,6 +107,21 @@ int guarded(Body body) {
         return -1;
     }
 }
+
+// The frame of every query: a null vessel is -1; the entry of class Entry
+// valid at time, or the query's code; fill copies the entry's settings out
+// through out, whose strings and arrays are all handed out or none.
+template <class Entry, class Fill>
+int runQuery(VELMVessel *vessel, double time, int noListCode, int otherCode, Fill fill) {
+    if (!vessel) return -1;
+    return guarded([&] {
+        std::shared_ptr<Entry> e;
+        if (int status = lookup(vessel, time, noListCode, otherCode, e)) return status;
+        HandOut out;
+        fill(*e, out);
+        return out.finish();
+    });
+}
 }  // namespace
 
 // The definitions take C linkage from their declarations in the header.
@@ -141,18 +156,13 @@ VELMIO_API int VesselGyroSensorTmIdxConfig(VELMVesselHandle *vessel, double time
                                            wchar_t **authorization) {
     clearOutputs(entryTime, manufacturer, model, serialNumber, reserved1, reserved2, reserved3, latency, gyroOffset,
                  applyFlag, comment, authorization);
-    if (!vessel) return -1;
-    return guarded([&] {
-        std::shared_ptr<VELMGyroConfig> e;
-        if (int status = lookup(vessel, time, 5000412, 5000413, e)) return status;
-        HandOut out;
-        put(entryTime, e->getTimeStamp());
-        out.identity(*e, manufacturer, model, serialNumber);
-        put(latency, e->getLatency());
-        put(gyroOffset, e->getGyroOffset(0.0) * kRadiansPerDegree);
-        put(applyFlag, e->getApplyFlag() ? 1 : 0);
-        out.notes(*e, comment, authorization);
-        return out.finish();
+    return runQuery<VELMGyroConfig>(vessel, time, 5000412, 5000413, [&](VELMGyroConfig &e, HandOut &out) {
+        put(entryTime, e.getTimeStamp());
+        out.identity(e, manufacturer, model, serialNumber);
+        put(latency, e.getLatency());
+        put(gyroOffset, e.getGyroOffset(0.0) * kRadiansPerDegree);
+        put(applyFlag, e.getApplyFlag() ? 1 : 0);
+        out.notes(e, comment, authorization);
     });
 }
 
@@ -163,19 +173,14 @@ VELMIO_API int VesselHeaveSensorTmIdxConfig(VELMVesselHandle *vessel, double tim
                                             wchar_t **authorization) {
     clearOutputs(entryTime, manufacturer, model, serialNumber, offsetX, offsetY, offsetZ, latency, heaveOffset,
                  applyFlag, comment, authorization);
-    if (!vessel) return -1;
-    return guarded([&] {
-        std::shared_ptr<VELMHeaveConfig> e;
-        if (int status = lookup(vessel, time, 5000414, 5000415, e)) return status;
-        HandOut out;
-        put(entryTime, e->getTimeStamp());
-        out.identity(*e, manufacturer, model, serialNumber);
-        putOffsets(*e, offsetX, offsetY, offsetZ);
-        put(latency, e->getLatency());
-        put(heaveOffset, e->getHeaveOffset());
-        put(applyFlag, e->getApplyFlag() ? 1 : 0);
-        out.notes(*e, comment, authorization);
-        return out.finish();
+    return runQuery<VELMHeaveConfig>(vessel, time, 5000414, 5000415, [&](VELMHeaveConfig &e, HandOut &out) {
+        put(entryTime, e.getTimeStamp());
+        out.identity(e, manufacturer, model, serialNumber);
+        putOffsets(e, offsetX, offsetY, offsetZ);
+        put(latency, e.getLatency());
+        put(heaveOffset, e.getHeaveOffset());
+        put(applyFlag, e.getApplyFlag() ? 1 : 0);
+        out.notes(e, comment, authorization);
     });
 }
 
@@ -186,18 +191,13 @@ VELMIO_API int VesselNavigationSensorTmIdxConfig(VELMVesselHandle *vessel, doubl
                                                  wchar_t **authorization) {
     clearOutputs(entryTime, manufacturer, model, serialNumber, ellipseName, offsetX, offsetY, offsetZ, latency,
                  comment, authorization);
-    if (!vessel) return -1;
-    return guarded([&] {
-        std::shared_ptr<VELMNavConfig> e;
-        if (int status = lookup(vessel, time, 5000416, 5000417, e)) return status;
-        HandOut out;
-        put(entryTime, e->getTimeStamp());
-        out.identity(*e, manufacturer, model, serialNumber);
-        out.text(ellipseName, e->getEllipseName());
-        putOffsets(*e, offsetX, offsetY, offsetZ);
-        put(latency, e->getLatency());
-        out.notes(*e, comment, authorization);
-        return out.finish();
+    return runQuery<VELMNavConfig>(vessel, time, 5000416, 5000417, [&](VELMNavConfig &e, HandOut &out) {
+        put(entryTime, e.getTimeStamp());
+        out.identity(e, manufacturer, model, serialNumber);
+        out.text(ellipseName, e.getEllipseName());
+        putOffsets(e, offsetX, offsetY, offsetZ);
+        put(latency, e.getLatency());
+        out.notes(e, comment, authorization);
     });
 }
 
@@ -208,18 +208,13 @@ int attitudeQuery(VELMVessel *vessel, double time, int noList, int other, Offset
                   wchar_t **manufacturer, wchar_t **model, wchar_t **serialNumber, double *latency, double *offset,
                   int *applyFlag, wchar_t **comment, wchar_t **authorization) {
     clearOutputs(entryTime, manufacturer, model, serialNumber, latency, offset, applyFlag, comment, authorization);
-    if (!vessel) return -1;
-    return guarded([&] {
-        std::shared_ptr<T> e;
-        if (int status = lookup(vessel, time, noList, other, e)) return status;
-        HandOut out;
-        put(entryTime, e->getTimeStamp());
-        out.identity(*e, manufacturer, model, serialNumber);
-        put(latency, e->getLatency());
-        put(offset, offsetOf(*e) * kRadiansPerDegree);
-        put(applyFlag, e->getApplyFlag() ? 1 : 0);
-        out.notes(*e, comment, authorization);
-        return out.finish();
+    return runQuery<T>(vessel, time, noList, other, [&](T &e, HandOut &out) {
+        put(entryTime, e.getTimeStamp());
+        out.identity(e, manufacturer, model, serialNumber);
+        put(latency, e.getLatency());
+        put(offset, offsetOf(e) * kRadiansPerDegree);
+        put(applyFlag, e.getApplyFlag() ? 1 : 0);
+        out.notes(e, comment, authorization);
     });
 }
 }  // namespace
@@ -249,26 +244,21 @@ VELMIO_API int VesselSVPTmIdxConfig(VELMVesselHandle *vessel, double time, doubl
                                     wchar_t **comment, wchar_t **authorization) {
     clearOutputs(entryTime, offsetX, offsetY, offsetZ, mountPitch, mountRoll, mountAzimuth, offsetX2, offsetY2,
                  offsetZ2, mountPitch2, mountRoll2, mountAzimuth2, dualHead, comment, authorization);
-    if (!vessel) return -1;
-    return guarded([&] {
-        std::shared_ptr<VELMSVPConfig> e;
-        if (int status = lookup(vessel, time, 5000410, 5000411, e)) return status;
-        HandOut out;
+    return runQuery<VELMSVPConfig>(vessel, time, 5000410, 5000411, [&](VELMSVPConfig &e, HandOut &out) {
         double *offsets[2][3] = {{offsetX, offsetY, offsetZ}, {offsetX2, offsetY2, offsetZ2}};
         double *angles[2][3] = {{mountPitch, mountRoll, mountAzimuth}, {mountPitch2, mountRoll2, mountAzimuth2}};
         for (int head = 1; head <= 2; ++head) {
             double x, y, z, pitch, roll, azimuth;
-            e->getPositionOffsets(head, x, y, z);
-            e->getMountAngle(head, pitch, roll, azimuth);
+            e.getPositionOffsets(head, x, y, z);
+            e.getMountAngle(head, pitch, roll, azimuth);
             put(offsets[head - 1][0], x), put(offsets[head - 1][1], y), put(offsets[head - 1][2], z);
             put(angles[head - 1][0], pitch * kRadiansPerDegree);
             put(angles[head - 1][1], roll * kRadiansPerDegree);
             put(angles[head - 1][2], azimuth * kRadiansPerDegree);
         }
-        put(entryTime, e->getTimeStamp());
-        put(dualHead, e->isDualHead() ? 1 : 0);
-        out.notes(*e, comment, authorization);
-        return out.finish();
+        put(entryTime, e.getTimeStamp());
+        put(dualHead, e.isDualHead() ? 1 : 0);
+        out.notes(e, comment, authorization);
     });
 }
 
@@ -277,17 +267,12 @@ VELMIO_API int VesselTowedTmIdxConfig(VELMVesselHandle *vessel, double time, dou
                                       double *offsetX, double *offsetY, double *offsetZ, double *latency,
                                       double *layback) {
     clearOutputs(entryTime, manufacturer, model, serialNumber, offsetX, offsetY, offsetZ, latency, layback);
-    if (!vessel) return -1;
-    return guarded([&] {
-        std::shared_ptr<VELMTowedSSSConfig> e;
-        if (int status = lookup(vessel, time, 5000408, 5000409, e)) return status;
-        HandOut out;
-        put(entryTime, e->getTimeStamp());
-        out.identity(*e, manufacturer, model, serialNumber);
-        putOffsets(*e, offsetX, offsetY, offsetZ);
-        put(latency, e->getLatency());
-        put(layback, e->getLayback());
-        return out.finish();
+    return runQuery<VELMTowedSSSConfig>(vessel, time, 5000408, 5000409, [&](VELMTowedSSSConfig &e, HandOut &out) {
+        put(entryTime, e.getTimeStamp());
+        out.identity(e, manufacturer, model, serialNumber);
+        putOffsets(e, offsetX, offsetY, offsetZ);
+        put(latency, e.getLatency());
+        put(layback, e.getLayback());
     });
 }
 
@@ -295,17 +280,12 @@ VELMIO_API int VesselRPTmIdxConfig(VELMVesselHandle *vessel, double time, double
                                    double *waterlineHeight, double *waterlineStdDev, wchar_t **comment,
                                    wchar_t **authorization) {
     clearOutputs(entryTime, waterlineHeight, waterlineStdDev, comment, authorization);
-    if (!vessel) return -1;
-    return guarded([&] {
-        std::shared_ptr<VELMWaterlineHeight> e;
-        // The reversed pair is what callers of this query test for.
-        if (int status = lookup(vessel, time, 5000407, 5000406, e)) return status;
-        HandOut out;
-        put(entryTime, e->getTimeStamp());
-        put(waterlineHeight, e->getWaterLine());
-        put(waterlineStdDev, e->getWaterlineStdDev());
-        out.notes(*e, comment, authorization);
-        return out.finish();
+    // The reversed pair is what callers of this query test for.
+    return runQuery<VELMWaterlineHeight>(vessel, time, 5000407, 5000406, [&](VELMWaterlineHeight &e, HandOut &out) {
+        put(entryTime, e.getTimeStamp());
+        put(waterlineHeight, e.getWaterLine());
+        put(waterlineStdDev, e.getWaterlineStdDev());
+        out.notes(e, comment, authorization);
     });
 }
 
@@ -322,18 +302,14 @@ VELMIO_API int VesselDepthSensorTmIdxConfig(
                  offsetY2, offsetZ2, mountPitch2, mountRoll2, mountAzimuth2, latency2, sweepOffsetX, sweepOffsetY,
                  sweepOffsetZ, sweepMountPitch, sweepMountRoll, sweepMountAzimuth, sweepLatency, comment,
                  authorization);
-    if (!vessel) return -1;
-    return guarded([&] {
-        std::shared_ptr<VELMDepthConfig> e;
-        if (int status = lookup(vessel, time, kDepthLookup, kDepthLookup, e)) return status;
-        HandOut out;
-        const std::size_t count = e->getNumTransducers();
-        put(entryTime, e->getTimeStamp());
-        out.text(sensorClass, e->getSensorClass());
+    return runQuery<VELMDepthConfig>(vessel, time, kDepthLookup, kDepthLookup, [&](VELMDepthConfig &e, HandOut &out) {
+        const std::size_t count = e.getNumTransducers();
+        put(entryTime, e.getTimeStamp());
+        out.text(sensorClass, e.getSensorClass());
         put(transducerCount, static_cast<int>(count));
-        if (!e->isSweep()) {
+        if (!e.isSweep()) {
             double x, y, z, pitch, roll, azimuth;
-            if (const VELMTransducerConfig *t = e->getTransducer(0)) {
+            if (const VELMTransducerConfig *t = e.getTransducer(0)) {
                 out.text(manufacturer, t->getManufacturer());
                 out.text(model, t->getModel());
                 out.text(serialNumber, t->getSerialNumber());
@@ -345,7 +321,7 @@ VELMIO_API int VesselDepthSensorTmIdxConfig(
                 put(latency, t->getLatency());
             }
             if (count > 1) {
-                const VELMTransducerConfig *t = e->getTransducer(1);
+                const VELMTransducerConfig *t = e.getTransducer(1);
                 t->getPositionOffset(x, y, z);
                 t->getMountAngle(pitch, roll, azimuth);
                 put(offsetX2, x), put(offsetY2, y), put(offsetZ2, z);
@@ -362,7 +338,7 @@ VELMIO_API int VesselDepthSensorTmIdxConfig(
                                  out.array(sweepMountRoll, count),  out.array(sweepMountAzimuth, count),
                                  out.array(sweepLatency, count)};
             for (std::size_t i = 0; i < count; ++i) {
-                const VELMTransducerConfig *t = e->getTransducer(i);
+                const VELMTransducerConfig *t = e.getTransducer(i);
                 double values[7];
                 t->getPositionOffset(values[0], values[1], values[2]);
                 t->getMountAngle(values[3], values[4], values[5]);
@@ -372,8 +348,7 @@ VELMIO_API int VesselDepthSensorTmIdxConfig(
                     if (arrays[a]) arrays[a][i] = values[a];
             }
         }
-        out.notes(*e, comment, authorization);
-        return out.finish();
+        out.notes(e, comment, authorization);
     });
 }
 
@@ -381,23 +356,18 @@ VELMIO_API int VesselDraftTmIdxConfig(VELMVesselHandle *vessel, double time, dou
                                       double **speeds, double **drafts, int *applyFlag, wchar_t **comment,
                                       wchar_t **authorization) {
     clearOutputs(entryTime, rowCount, speeds, drafts, applyFlag, comment, authorization);
-    if (!vessel) return -1;
-    return guarded([&] {
-        std::shared_ptr<VELMDraftConfig> e;
-        if (int status = lookup(vessel, time, 5000422, 5000423, e)) return status;
-        HandOut out;
-        const auto &rows = e->getDraftEntries();
+    return runQuery<VELMDraftConfig>(vessel, time, 5000422, 5000423, [&](VELMDraftConfig &e, HandOut &out) {
+        const auto &rows = e.getDraftEntries();
         double *speed = out.array(speeds, rows.size());
         double *draft = out.array(drafts, rows.size());
         for (std::size_t i = 0; i < rows.size(); ++i) {
             if (speed) speed[i] = rows[i].speed;
             if (draft) draft[i] = rows[i].draft;
         }
-        put(entryTime, e->getTimeStamp());
+        put(entryTime, e.getTimeStamp());
         put(rowCount, static_cast<int>(rows.size()));
-        put(applyFlag, e->getApplyFlag() ? 1 : 0);
-        out.notes(*e, comment, authorization);
-        return out.finish();
+        put(applyFlag, e.getApplyFlag() ? 1 : 0);
+        out.notes(e, comment, authorization);
     });
 }
 
@@ -407,22 +377,17 @@ template <std::size_t N, class Values>
 int perTransducer(VELMVessel *vessel, double time, int *transducerCount, double **(&arrays)[N], Values valueOf) {
     put(transducerCount, 0);
     for (double **a : arrays) put(a, static_cast<double *>(nullptr));
-    if (!vessel) return -1;
-    return guarded([&] {
-        std::shared_ptr<VELMDepthConfig> e;
-        if (int status = lookup(vessel, time, kDepthLookup, kDepthLookup, e)) return status;
-        HandOut out;
-        const std::size_t count = e->getNumTransducers();
+    return runQuery<VELMDepthConfig>(vessel, time, kDepthLookup, kDepthLookup, [&](VELMDepthConfig &e, HandOut &out) {
+        const std::size_t count = e.getNumTransducers();
         double *filled[N];
         for (std::size_t a = 0; a < N; ++a) filled[a] = out.array(arrays[a], count);
         for (std::size_t i = 0; i < count; ++i) {
             double values[N];
-            valueOf(*e->getTransducer(i), values);
+            valueOf(*e.getTransducer(i), values);
             for (std::size_t a = 0; a < N; ++a)
                 if (filled[a]) filled[a][i] = values[a];
         }
         put(transducerCount, static_cast<int>(count));
-        return out.finish();
     });
 }
 }  // namespace
