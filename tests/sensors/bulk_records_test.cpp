@@ -7,6 +7,8 @@
 #include "sensors/simple_families.h"
 #include "tests/sensors/sensor_test_support.h"
 
+#include <unistd.h>
+
 #include <climits>
 #include <cmath>
 #include <vector>
@@ -166,6 +168,22 @@ TEST_P(BulkRecords, UpdateHandleReadsItsOwnStatusEdits) {
     ASSERT_EQ(readRange(h, 511, 4, got), 0);
     EXPECT_EQ(got.s[2], 0xABCu);
     EXPECT_TRUE(got == readEach(h, 511, 4));
+    EXPECT_EQ(f.close(h), 0);
+}
+
+TEST_P(BulkRecords, DataFileCutUnderAnOpenQueryHandleFailsWithTheFamilysCode) {
+    const RecordOps &f = GetParam();
+    TempDir dir;
+    writeLine(dir, true);
+    H h = openLine(f.openDir, dir, L"query");
+    ASSERT_NE(h, nullptr);
+    const std::string data = dir.file(f.name);
+    ASSERT_EQ(::truncate(data.c_str(), static_cast<off_t>(readFile(data).size() / 2)), 0);
+    Columns got(200);
+    double t, a, b, c;
+    unsigned s;
+    EXPECT_EQ(f.read(h, 1000, &t, &a, &b, &c, &s), f.code(25));
+    EXPECT_EQ(readRange(h, 900, 200, got), f.code(25));
     EXPECT_EQ(f.close(h), 0);
 }
 
