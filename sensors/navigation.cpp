@@ -63,9 +63,12 @@ constexpr platform::OpenFailureCodes kSegmentOpenCodes = {5000132, 5000133, 5000
 
 constexpr ExtentKind kKinds[kMaxExtents] = {ExtentKind::Time, ExtentKind::Latitude, ExtentKind::Longitude};
 
+constexpr std::uint32_t kRecordBytes = 20;  // status, time, latitude, longitude, metres
+static_assert(kRecordBytes <= RecordState::kMaxRecordBytes, "the record buffer holds a record");
+
 const RecordFamily kNavigationRecords = {
     1,
-    20,
+    kRecordBytes,
     14,
     kSummary,
     kSummaryMessages,
@@ -84,7 +87,7 @@ const RecordFamily kNavigationRecords = {
 // The twin reads its files with the same steps and codes, silently.
 const RecordFamily kSSSNavigationRecords = {
     1,
-    20,
+    kRecordBytes,
     14,
     kSummary,
     nullptr,

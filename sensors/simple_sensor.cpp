@@ -25,9 +25,12 @@ constexpr SummaryField kSummary[] = {
 };
 
 // The simple sensor prints no messages of its own.
+constexpr std::uint32_t kRecordBytes = 12;  // status, time, value
+static_assert(kRecordBytes <= RecordState::kMaxRecordBytes, "the record buffer holds a record");
+
 const RecordFamily kSimple = {
     12,
-    12,
+    kRecordBytes,
     8,
     kSummary,
     nullptr,

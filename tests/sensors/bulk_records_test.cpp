@@ -62,9 +62,10 @@ struct RecordOps {
 const RecordOps kRecordFamilies[] = {VELMIO_SIMPLE_FAMILIES(VELMIO_SIMPLE_OPS) VELMIO_NAVIGATION_OPS(Navigation)
                                          VELMIO_NAVIGATION_OPS(SSSNavigation)};
 
-// Two segments (1-600, 601-1100) over three time index sets; the second
+// Two segments (1-600, 601-6000) over 12 time index sets and more than one
+// 64 KiB window of records; the second
 // segment's statuses are all 0, which the bulk writer passes as null.
-constexpr unsigned kRecords = 1100;
+constexpr unsigned kRecords = 6000;
 constexpr unsigned kFirstSegmentEnd = 600;
 
 Columns lineValues() {
@@ -182,8 +183,8 @@ TEST_P(BulkRecords, DataFileCutUnderAnOpenQueryHandleFailsWithTheFamilysCode) {
     Columns got(200);
     double t, a, b, c;
     unsigned s;
-    EXPECT_EQ(f.read(h, 1000, &t, &a, &b, &c, &s), f.code(25));
-    EXPECT_EQ(readRange(h, 900, 200, got), f.code(25));
+    EXPECT_EQ(f.read(h, kRecords - 10, &t, &a, &b, &c, &s), f.code(25));
+    EXPECT_EQ(readRange(h, kRecords - 200, 200, got), f.code(25));
     EXPECT_EQ(f.close(h), 0);
 }
 
