@@ -2,7 +2,7 @@
 # Installs the Debian packages VelmIO builds and tests with, when missing.
 set -euo pipefail
 packages=(cmake make g++ pkg-config libxml2-dev libicu-dev icu-devtools libgtest-dev libgmock-dev
-          libbenchmark-dev libgeographiclib-dev tzdata locales)
+          libbenchmark-dev libgeographiclib-dev abigail-tools tzdata locales)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
