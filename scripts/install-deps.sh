@@ -2,7 +2,7 @@
 # Installs the Debian packages VelmIO builds and tests with, when missing.
 set -euo pipefail
 packages=(cmake make g++ pkg-config libxml2-dev libicu-dev icu-devtools libgtest-dev libgmock-dev
-          libbenchmark-dev libgeographiclib-dev tzdata locales)
+          libbenchmark-dev libgeographiclib-dev abigail-tools tzdata locales)
 # --checks: also what the fuzzing, thread and big-endian checks of .ci/run use
 # (scripts/fuzz.sh, scripts/tsan-test.sh, scripts/s390x-test.sh).
 if [ "${1:-}" = "--checks" ]; then
