@@ -542,20 +542,25 @@ public:
         const std::int64_t total = beamOffsets_.empty() ? 0 : beamOffsets_.back();
         auto idx = indexArray(indices, total);
         const py::ssize_t n = idx.size();
-        auto valueColumn = [&](const char *name) -> py::array_t<double, py::array::c_style> {
-            if (!values.contains(name) || values[name].is_none()) return {};
-            auto v = doubles(broadcast(values[name], n), name);
-            requireLength(v.size(), n, name);
+        auto given = [&](const char *name) { return values.contains(name) && !values[name].is_none(); };
+        auto valueColumn = [&](const char *name) {
+            py::array_t<double, py::array::c_style> v;
+            if (given(name)) {
+                v = doubles(broadcast(values[name], n), name);
+                requireLength(v.size(), n, name);
+            }
             return v;
         };
         py::array_t<std::uint32_t, py::array::c_style> s;
-        if (values.contains("status") && !values["status"].is_none()) {
+        if (given("status")) {
             s = words(broadcast(values["status"], n), "status");
             requireLength(s.size(), n, "status");
         }
         auto x = valueColumn("x"), y = valueColumn("y"), z = valueColumn("depth");
-        const double *xp = x ? x.data() : nullptr, *yp = y ? y.data() : nullptr, *zp = z ? z.data() : nullptr;
-        const unsigned *sp = s ? reinterpret_cast<const unsigned *>(s.data()) : nullptr;
+        // Absent columns stay null pointers: the library leaves those values alone.
+        const double *xp = given("x") ? x.data() : nullptr, *yp = given("y") ? y.data() : nullptr,
+                     *zp = given("depth") ? z.data() : nullptr;
+        const unsigned *sp = given("status") ? reinterpret_cast<const unsigned *>(s.data()) : nullptr;
         if ((what == "status" || what == "rejection") && !sp) throw Failure{kBadArgument, "status: missing"};
         if (what == "depth" && !zp) throw Failure{kBadArgument, "depth: missing"};
         const std::int64_t *ip = idx.data();
