@@ -42,9 +42,8 @@ class _RangeArray(BackendArray):
         else:
             first, stop = int(rows.min()), int(rows.max()) + 1
             block = self._rows(first, stop - first)[rows - first]
-        if scalar:
-            block = block[0]
-        return block[key[1:]] if len(key) > 1 else block
+        block = block[(slice(None),) + tuple(key[1:])]
+        return block[0] if scalar else block
 
     def _rows(self, first, count):
         h = _velmio.Sensor(self.path, self.family, "query")
