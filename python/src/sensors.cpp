@@ -59,10 +59,11 @@ struct NavigationOps {
                    double *, double *, unsigned *);
     int (*segment)(TOVO_Sensor *, int, wchar_t **, unsigned *, unsigned *, double *, double *, double *, double *,
                    double *, double *, unsigned *);
-    int (*read)(TOVO_Sensor *, unsigned, double *, double *, double *, double *, unsigned *);
+    int (*readRange)(TOVO_Sensor *, unsigned, unsigned, double *, double *, double *, double *, unsigned *);
     int (*beginSummary)(TOVO_Sensor *, unsigned);
     int (*beginSegment)(TOVO_Sensor *, const wchar_t *);
-    int (*write)(TOVO_Sensor *, double, double, double, double, unsigned);
+    int (*writeRange)(TOVO_Sensor *, unsigned, const double *, const double *, const double *, const double *,
+                      const unsigned *);
     int (*endSegment)(TOVO_Sensor *, unsigned);
     int (*endSummary)(TOVO_Sensor *, unsigned);
     int (*setSummaryStatus)(TOVO_Sensor *, unsigned);
@@ -71,14 +72,16 @@ struct NavigationOps {
     int (*save)(TOVO_Sensor *);
 };
 const NavigationOps kNavigation = {NavigationOpenDir, NavigationClose, NavigationSummary, NavigationLineSegment,
-                                   NavigationRead, NavigationBgnSeqWriteSummary, NavigationBgnSeqWriteLineSegment,
-                                   NavigationSeqWrite, NavigationEndSeqWriteLineSegment,
+                                   NavigationReadRange, NavigationBgnSeqWriteSummary,
+                                   NavigationBgnSeqWriteLineSegment, NavigationSeqWriteRange,
+                                   NavigationEndSeqWriteLineSegment,
                                    NavigationEndSeqWriteSummary, NavigationSetSummaryStatus,
                                    NavigationSetLineSegmentStatus, NavigationSetRecordStatus,
                                    NavigationSaveStatusToDisk};
 const NavigationOps kSideScanNavigation = {
-    SSSNavigationOpenDir, SSSNavigationClose, SSSNavigationSummary, SSSNavigationLineSegment, SSSNavigationRead,
-    SSSNavigationBgnSeqWriteSummary, SSSNavigationBgnSeqWriteLineSegment, SSSNavigationSeqWrite,
+    SSSNavigationOpenDir, SSSNavigationClose, SSSNavigationSummary, SSSNavigationLineSegment,
+    SSSNavigationReadRange, SSSNavigationBgnSeqWriteSummary, SSSNavigationBgnSeqWriteLineSegment,
+    SSSNavigationSeqWriteRange,
     SSSNavigationEndSeqWriteLineSegment, SSSNavigationEndSeqWriteSummary, SSSNavigationSetSummaryStatus,
     SSSNavigationSetLineSegmentStatus, SSSNavigationSetRecordStatus, SSSNavigationSaveStatusToDisk};
 
@@ -302,11 +305,9 @@ public:
         const bool simple = family_.shape == Shape::Records;
         {
             py::gil_scoped_release unlocked;
-            const NavigationOps &ops = nav();
-            for (unsigned i = 0; i < n; ++i)
-                check(simple ? SimpleSensorRead(h_, first + i + 1, tp + i, ap + i, sp + i)
-                             : ops.read(h_, first + i + 1, tp + i, ap + i, bp + i, cp + i, sp + i),
-                      "read");
+            check(simple ? SimpleSensorReadRange(h_, first + 1, n, tp, ap, sp)
+                         : nav().readRange(h_, first + 1, n, tp, ap, bp, cp, sp),
+                  "read");
         }
         if (simple) return columns({{"time", t}, {"value", a}, {"status", s}});
         return columns({{"time", t}, {"latitude", a}, {"longitude", b}, {"metres", c}, {"status", s}});
@@ -322,18 +323,7 @@ public:
         unsigned *np = out(beams), *fp = out(firstBeam), *wp = out(word), *sp = out(s);
         {
             py::gil_scoped_release unlocked;
-            for (unsigned i = 0; i < n; ++i) {
-                const unsigned p = first + i + 1;
-                switch (family_.shape) {
-                case Shape::ObservedDepths:
-                    check(ObservedDepthsReadProfile(h_, p, np + i, fp + i, tp + i, ap + i, bp + i, sp + i), "read");
-                    break;
-                case Shape::SlantRange:
-                    check(SLRangeReadProfile(h_, p, np + i, fp + i, tp + i, ap + i, bp + i, sp + i), "read");
-                    break;
-                default: check(TPEReadProfile(h_, p, np + i, fp + i, tp + i, wp + i, sp + i), "read"); break;
-                }
-            }
+            readHeaders(first, n, np, fp, tp, ap, bp, wp, sp);
         }
         py::dict d = columns({{"time", t}, {"beam_count", beams}, {"first_beam", firstBeam}, {"status", s}});
         if (family_.shape == Shape::Tpe) {
@@ -350,39 +340,36 @@ public:
     py::dict readBeams(unsigned first, py::object countArg) {
         requireProfiles();
         const unsigned n = clampRange(first, countArg, count());
-        std::vector<unsigned> counts(n), firsts(n);
-        py::array_t<std::int64_t> offsets(n + 1);
-        std::int64_t *op = offsets.mutable_data();
+        std::vector<unsigned> counts(n);
         {
             py::gil_scoped_release unlocked;
-            loadHeaders(first, n, counts.data(), firsts.data());
+            readHeaders(first, n, counts.data(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
         }
-        op[0] = 0;
-        for (unsigned i = 0; i < n; ++i) op[i + 1] = op[i] + counts[i];
-        const py::ssize_t total = op[n];
+        py::ssize_t total = 0;
+        for (unsigned c : counts) total += c;
+        if (total > 0xFFFFFFFFLL) throw Failure{kBadArgument, "more beams than one read can hold"};
+        std::vector<unsigned> beamOffsets(n + 1);
         py::array_t<double> t(total), a(total), b(total), c(total), e(total);
         py::array_t<std::uint32_t> s(total);
         double *tp = out(t), *ap = out(a), *bp = out(b), *cp = out(c), *ep = out(e);
         unsigned *sp = out(s);
         {
             py::gil_scoped_release unlocked;
-            std::int64_t k = 0;
-            for (unsigned i = 0; i < n; ++i) {
-                const unsigned p = first + i + 1;
-                for (unsigned j = 0; j < counts[i]; ++j, ++k) {
-                    const unsigned beam = firsts[i] + j;
-                    switch (family_.shape) {
-                    case Shape::ObservedDepths:
-                        check(ObservedDepthsRead(h_, p, beam, tp + k, ap + k, bp + k, cp + k, ep + k, sp + k), "read");
-                        break;
-                    case Shape::SlantRange:
-                        check(SLRangeRead(h_, p, beam, tp + k, ap + k, bp + k, cp + k, ep + k, sp + k), "read");
-                        break;
-                    default: check(TPERead(h_, p, beam, tp + k, ap + k, bp + k, sp + k), "read"); break;
-                    }
-                }
+            const unsigned capacity = static_cast<unsigned>(total);
+            unsigned *o = beamOffsets.data();
+            switch (family_.shape) {
+            case Shape::ObservedDepths:
+                check(ObservedDepthsReadBeams(h_, first + 1, n, capacity, o, tp, ap, bp, cp, ep, sp), "read");
+                break;
+            case Shape::SlantRange:
+                check(SLRangeReadBeams(h_, first + 1, n, capacity, o, tp, ap, bp, cp, ep, sp), "read");
+                break;
+            default: check(TPEReadBeams(h_, first + 1, n, capacity, o, tp, ap, bp, sp), "read"); break;
             }
         }
+        if (n == 0) beamOffsets[0] = 0;
+        py::array_t<std::int64_t> offsets(n + 1);
+        std::copy(beamOffsets.begin(), beamOffsets.end(), offsets.mutable_data());
         switch (family_.shape) {
         case Shape::ObservedDepths:
             return columns({{"time", t}, {"y", a}, {"x", b}, {"depth", c}, {"extra", e}, {"status", s},
@@ -419,14 +406,16 @@ public:
         const unsigned *sp = reinterpret_cast<const unsigned *>(s.data());
         requireTimes(tp, n);
         py::gil_scoped_release unlocked;
+        if (n > 0xFFFFFFFFLL) throw Failure{kBadArgument, "more records than one segment can hold"};
+        const unsigned count = static_cast<unsigned>(n);
         if (simple) {
             check(SimpleSensorBgnSeqWriteLineSegment(h_, source.c_str()), "begin segment");
-            for (py::ssize_t i = 0; i < n; ++i) check(SimpleSensorSeqWrite(h_, tp[i], ap[i], sp[i]), "write");
+            check(SimpleSensorSeqWriteRange(h_, count, tp, ap, sp), "write");
             check(SimpleSensorEndSeqWriteLineSegment(h_, segmentStatus), "end segment");
         } else {
             const NavigationOps &ops = nav();
             check(ops.beginSegment(h_, source.c_str()), "begin segment");
-            for (py::ssize_t i = 0; i < n; ++i) check(ops.write(h_, tp[i], ap[i], bp[i], cp[i], sp[i]), "write");
+            check(ops.writeRange(h_, count, tp, ap, bp, cp, sp), "write");
             check(ops.endSegment(h_, segmentStatus), "end segment");
         }
     }
@@ -493,22 +482,22 @@ public:
             switch (family_.shape) {
             case Shape::ObservedDepths:
                 check(ObservedDepthsBgnSeqWriteProfile(h_, cp[i], fp[i], tp[i], a1p[i], a2p[i], sp[i]), "profile");
-                for (unsigned j = 0; j < cp[i]; ++j, ++k)
-                    check(ObservedDepthsSeqWrite(h_, c[0][k], c[1][k], c[2][k], c[3][k], 0.0, 0.0, bsp[k]), "beam");
+                check(ObservedDepthsSeqWriteBeams(h_, cp[i], c[0] + k, c[1] + k, c[2] + k, c[3] + k, bsp + k), "beams");
                 check(ObservedDepthsEndSeqWriteProfile(h_), "end profile");
                 break;
             case Shape::SlantRange:
                 check(SLRangeBgnSeqWriteProfile(h_, cp[i], fp[i], tp[i], a1p[i], a2p[i], sp[i]), "profile");
-                for (unsigned j = 0; j < cp[i]; ++j, ++k)
-                    check(SLRangeSeqWrite(h_, c[0][k], c[1][k], c[2][k], c[3][k], c[4][k], bsp[k]), "beam");
+                check(SLRangeSeqWriteBeams(h_, cp[i], c[0] + k, c[1] + k, c[2] + k, c[3] + k, c[4] + k, bsp + k),
+                      "beams");
                 check(SLRangeEndSeqWriteProfile(h_), "end profile");
                 break;
             default:
                 check(TPEBgnSeqWriteProfile(h_, cp[i], fp[i], tp[i], wp[i], sp[i]), "profile");
-                for (unsigned j = 0; j < cp[i]; ++j, ++k) check(TPESeqWrite(h_, c[0][k], c[1][k], c[2][k], bsp[k]), "beam");
+                check(TPESeqWriteBeams(h_, cp[i], c[0] + k, c[1] + k, c[2] + k, bsp + k), "beams");
                 check(TPEEndSeqWriteProfile(h_), "end profile");
                 break;
             }
+            k += cp[i];
         }
         switch (family_.shape) {
         case Shape::ObservedDepths: check(ObservedDepthsEndSeqWriteLineSegment(h_, segmentStatus), "end segment"); break;
@@ -684,20 +673,18 @@ private:
         return n;
     }
 
-    void loadHeaders(unsigned first, unsigned n, unsigned *counts, unsigned *firsts) {
-        for (unsigned i = 0; i < n; ++i) {
-            const unsigned p = first + i + 1;
-            double t, a, b;
-            unsigned s, w;
-            switch (family_.shape) {
-            case Shape::ObservedDepths:
-                check(ObservedDepthsReadProfile(h_, p, counts + i, firsts + i, &t, &a, &b, &s), "read");
-                break;
-            case Shape::SlantRange:
-                check(SLRangeReadProfile(h_, p, counts + i, firsts + i, &t, &a, &b, &s), "read");
-                break;
-            default: check(TPEReadProfile(h_, p, counts + i, firsts + i, &t, &w, &s), "read"); break;
-            }
+    // Profile headers in one bulk read; null arrays are skipped.
+    void readHeaders(unsigned first, unsigned n, unsigned *counts, unsigned *firsts, double *times, double *angles1,
+                     double *angles2, unsigned *words, unsigned *statuses) {
+        switch (family_.shape) {
+        case Shape::ObservedDepths:
+            check(ObservedDepthsReadProfiles(h_, first + 1, n, counts, firsts, times, angles1, angles2, statuses),
+                  "read");
+            break;
+        case Shape::SlantRange:
+            check(SLRangeReadProfiles(h_, first + 1, n, counts, firsts, times, angles1, angles2, statuses), "read");
+            break;
+        default: check(TPEReadProfiles(h_, first + 1, n, counts, firsts, times, words, statuses), "read"); break;
         }
     }
 
@@ -708,7 +695,7 @@ private:
         firstBeams_.assign(n, 0);
         {
             py::gil_scoped_release unlocked;
-            loadHeaders(0, n, counts.data(), firstBeams_.data());
+            readHeaders(0, n, counts.data(), firstBeams_.data(), nullptr, nullptr, nullptr, nullptr, nullptr);
         }
         beamOffsets_.assign(n + 1, 0);
         for (unsigned i = 0; i < n; ++i) beamOffsets_[i + 1] = beamOffsets_[i] + counts[i];
