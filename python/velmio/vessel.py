@@ -23,8 +23,10 @@ class Vessel(_velmio.Vessel):
         manufacturer, model and serial_number."""
         super().add(kind, float(time), settings)
 
-    def update(self, kind, time, **settings):
-        """Changes the entry of exactly that time (``time=`` moves it)."""
+    def update(self, kind, time, new_time=None, **settings):
+        """Changes the entry of exactly that time; ``new_time`` moves it."""
+        if new_time is not None:
+            settings["time"] = float(new_time)
         super().update(kind, float(time), settings)
 
     def __repr__(self):
