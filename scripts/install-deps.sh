@@ -2,7 +2,9 @@
 # Installs the Debian packages VelmIO builds and tests with, when missing.
 set -euo pipefail
 packages=(cmake make g++ pkg-config libxml2-dev libicu-dev icu-devtools libgtest-dev libgmock-dev
-          libbenchmark-dev libgeographiclib-dev tzdata locales)
+          libbenchmark-dev libgeographiclib-dev tzdata locales
+          python3-dev python3-numpy pybind11-dev python3-pytest python3-hypothesis python3-xarray
+          python3-dask python3-distributed python3-pandas python3-matplotlib)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -1,7 +1,7 @@
 """The xarray backend and the Dask collections against plain reads."""
 
-import importlib.util
 import os
+import runpy
 
 import numpy as np
 import pytest
@@ -71,13 +71,11 @@ def test_survey_example_on_two_worker_processes_equals_a_serial_computation(tmp_
         line = tmp_path / f"line{i:02d}"
         write_python(line, "ObservedDepths", sample("ObservedDepths", per_segment=3 + i % 4, seed=i))
         lines.append(str(line))
-    spec = importlib.util.spec_from_file_location("survey_stats", EXAMPLE)
-    example = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(example)
+    survey_stats = runpy.run_path(EXAMPLE)["survey_stats"]
 
     with distributed.LocalCluster(n_workers=2, threads_per_worker=1, processes=True,
                                   dashboard_address=None) as cluster, distributed.Client(cluster):
-        per_line, overall = example.survey_stats(velmio.dask.find_lines(tmp_path, "ObservedDepths"))
+        per_line, overall = survey_stats(velmio.dask.find_lines(tmp_path, "ObservedDepths"))
 
     depths = {os.path.basename(p): velmio.open_line(p).read("ObservedDepths")["beams"]["depth"] for p in lines}
     assert list(per_line.index) == sorted(depths)
