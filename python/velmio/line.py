@@ -57,7 +57,8 @@ class Line:
         return [f for f in FAMILIES if os.path.isfile(os.path.join(self.path, f))]
 
     def open(self, family, mode="query"):
-        """The library handle of a family (a context manager)."""
+        """The library handle of a family; close it with ``close()``. A
+        handle serves one thread at a time (open one per thread)."""
         _check_family(family)
         return _velmio.Sensor(self.path, family, mode)
 
