@@ -3,6 +3,8 @@
 set -euo pipefail
 packages=(cmake make g++ pkg-config libxml2-dev libicu-dev icu-devtools libgtest-dev libgmock-dev
           libbenchmark-dev libgeographiclib-dev tzdata locales)
+# velmio export writes GIS formats through GDAL/OGR.
+packages+=(libgdal-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
