@@ -8,6 +8,7 @@
 #include <velmio/slant_range.h>
 #include <velmio/tpe.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace velmio::tool {
@@ -53,8 +54,7 @@ private:
         times_.resize(count);
         values_.resize(count);
         statuses_.resize(count);
-        for (unsigned int i = 0; i < count; ++i)
-            if (int rc = SimpleSensorRead(h_, first + i, &times_[i], &values_[i], &statuses_[i])) return rc;
+        if (int rc = SimpleSensorReadRange(h_, first, count, times_.data(), values_.data(), statuses_.data())) return rc;
         for (unsigned int i = 0; i < count; ++i, rows += 4) {
             rows[0] = first + i;
             rows[1] = times_[i];
@@ -100,11 +100,12 @@ Family simple(const char *name, unsigned int id, TOVO_Sensor *(*open)(const wcha
 
 // ---- positions ----
 
-using NavRead = int (*)(TOVO_Sensor *, unsigned int, double *, double *, double *, double *, unsigned int *);
+using NavRange = int (*)(TOVO_Sensor *, unsigned int, unsigned int, double *, double *, double *, double *,
+                         unsigned int *);
 
 class NavigationReader : public RangeReader {
 public:
-    NavigationReader(TOVO_Sensor *h, NavRead read, unsigned int first, unsigned int last)
+    NavigationReader(TOVO_Sensor *h, NavRange read, unsigned int first, unsigned int last)
         : RangeReader({{"record", ColumnType::Count},
                        {"time", ColumnType::Time},
                        {"latitude", ColumnType::Radians},
@@ -116,23 +117,32 @@ public:
 
 private:
     int fill(unsigned int first, unsigned int count, double *rows) override {
+        for (auto *v : {&times_, &lats_, &lons_, &metres_}) v->resize(count);
+        statuses_.resize(count);
+        if (int rc = read_(h_, first, count, times_.data(), lats_.data(), lons_.data(), metres_.data(),
+                           statuses_.data()))
+            return rc;
         for (unsigned int i = 0; i < count; ++i, rows += 6) {
-            unsigned int status = 0;
-            if (int rc = read_(h_, first + i, &rows[1], &rows[2], &rows[3], &rows[4], &status)) return rc;
             rows[0] = first + i;
-            rows[5] = status;
+            rows[1] = times_[i];
+            rows[2] = lats_[i];
+            rows[3] = lons_[i];
+            rows[4] = metres_[i];
+            rows[5] = statuses_[i];
         }
         return 0;
     }
     TOVO_Sensor *h_;
-    NavRead read_;
+    NavRange read_;
+    std::vector<double> times_, lats_, lons_, metres_;
+    std::vector<unsigned int> statuses_;
 };
 
 template <int (*SummaryFn)(TOVO_Sensor *, unsigned int *, unsigned int *, unsigned int *, double *, double *,
                            double *, double *, double *, double *, unsigned int *),
           int (*SegmentFn)(TOVO_Sensor *, int, wchar_t **, unsigned int *, unsigned int *, double *, double *,
                            double *, double *, double *, double *, unsigned int *),
-          NavRead ReadFn>
+          NavRange ReadFn>
 Family navigation(const char *name, unsigned int id, TOVO_Sensor *(*open)(const wchar_t *, const wchar_t *, int *),
                   int (*close)(TOVO_Sensor *)) {
     return {name,
@@ -163,46 +173,66 @@ Family navigation(const char *name, unsigned int id, TOVO_Sensor *(*open)(const 
 
 // ---- profiles of beams: one row per beam, the profile's fields in front ----
 
+using Columns = std::vector<std::vector<double>>;
+
 struct ProfileOps {
     std::vector<Column> header;  // after "profile"
     std::vector<Column> beam;    // after "beam"
-    // Header values of profile p in header order; its beam count and first beam.
-    int (*readHeader)(TOVO_Sensor *, unsigned int p, double *values, unsigned int &beams, unsigned int &firstBeam);
-    int (*readBeam)(TOVO_Sensor *, unsigned int p, unsigned int beam, double *values);
+    // Headers of count profiles from first: beam counts, first beam numbers
+    // and the header columns (count values each).
+    int (*readProfiles)(TOVO_Sensor *, unsigned int first, unsigned int count, unsigned int *beams,
+                        unsigned int *firstBeams, Columns &header);
+    // Every beam of those profiles: offsets (count + 1) and the beam columns
+    // (capacity values each).
+    int (*readBeams)(TOVO_Sensor *, unsigned int first, unsigned int count, unsigned int capacity,
+                     unsigned int *offsets, Columns &beam);
 };
+
+// Unsigned outputs of the bulk calls into a double column.
+void widenColumn(const std::vector<unsigned int> &from, std::vector<double> &to) {
+    std::copy(from.begin(), from.end(), to.begin());
+}
 
 class ProfileReader : public RowReader {
 public:
     ProfileReader(TOVO_Sensor *h, const ProfileOps &ops, unsigned int first, unsigned int last)
-        : h_(h), ops_(ops), next_(first), last_(last) {
+        : h_(h), ops_(ops), next_(first), last_(last), header_(ops.header.size()), beam_(ops.beam.size()) {
         columns_.push_back({"profile", ColumnType::Count});
         columns_.insert(columns_.end(), ops.header.begin(), ops.header.end());
         columns_.push_back({"beam", ColumnType::Count});
         columns_.insert(columns_.end(), ops.beam.begin(), ops.beam.end());
     }
     const std::vector<Column> &columns() const override { return columns_; }
-    // Whole profiles until maxRows is reached, so a chunk holds at most one
-    // profile's beams more than asked.
+    // Whole profiles, as many as fit in maxRows beams (at least one).
     int next(std::vector<double> &rows, std::size_t maxRows) override {
         rows.clear();
-        const std::size_t width = columns_.size(), headerWidth = ops_.header.size() + 1;
-        std::vector<double> header(headerWidth);
-        while (next_ != 0 && next_ <= last_ && rows.size() / width < maxRows) {
-            unsigned int beams = 0, firstBeam = 0;
-            header[0] = next_;
-            if (int rc = ops_.readHeader(h_, next_, header.data() + 1, beams, firstBeam)) return rc;
-            for (unsigned int b = firstBeam; b < firstBeam + beams; ++b) {
-                const std::size_t at = rows.size();
-                rows.resize(at + width);
-                std::copy(header.begin(), header.end(), rows.begin() + at);
-                rows[at + headerWidth] = b;
-                if (int rc = ops_.readBeam(h_, next_, b, rows.data() + at + headerWidth + 1)) {
-                    rows.clear();
-                    return rc;
-                }
+        if (next_ == 0 || next_ > last_) return 0;
+        const unsigned int batch =
+            static_cast<unsigned int>(std::min<std::size_t>(std::max<std::size_t>(maxRows, 1), last_ - next_ + 1));
+        beams_.resize(batch);
+        firstBeams_.resize(batch);
+        for (auto &c : header_) c.resize(batch);
+        if (int rc = ops_.readProfiles(h_, next_, batch, beams_.data(), firstBeams_.data(), header_)) return rc;
+        unsigned int take = 0;
+        std::size_t total = 0;
+        while (take < batch && (take == 0 || total + beams_[take] <= maxRows)) total += beams_[take++];
+        offsets_.resize(take + 1);
+        for (auto &c : beam_) c.resize(std::max<std::size_t>(total, 1));
+        if (int rc = ops_.readBeams(h_, next_, take, static_cast<unsigned int>(total), offsets_.data(), beam_))
+            return rc;
+        const std::size_t width = columns_.size();
+        rows.resize(total * width);
+        double *row = rows.data();
+        for (unsigned int p = 0; p < take; ++p) {
+            for (unsigned int k = offsets_[p]; k < offsets_[p + 1]; ++k, row += width) {
+                double *at = row;
+                *at++ = next_ + p;
+                for (const auto &c : header_) *at++ = c[p];
+                *at++ = firstBeams_[p] + (k - offsets_[p]);
+                for (const auto &c : beam_) *at++ = c[k];
             }
-            ++next_;
         }
+        next_ += take;
         return 0;
     }
 
@@ -211,6 +241,8 @@ private:
     const ProfileOps &ops_;
     std::vector<Column> columns_;
     unsigned int next_, last_;
+    std::vector<unsigned int> beams_, firstBeams_, offsets_;
+    Columns header_, beam_;
 };
 
 const ProfileOps kObservedDepthsOps = {
@@ -224,16 +256,18 @@ const ProfileOps kObservedDepthsOps = {
      {"depth", ColumnType::Metres},
      {"extra", ColumnType::Value},
      {"status", ColumnType::Status}},
-    [](TOVO_Sensor *h, unsigned int p, double *v, unsigned int &beams, unsigned int &firstBeam) {
-        unsigned int status = 0;
-        const int rc = ObservedDepthsReadProfile(h, p, &beams, &firstBeam, &v[0], &v[1], &v[2], &status);
-        v[3] = status;
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int *beams, unsigned int *firstBeams, Columns &c) {
+        std::vector<unsigned int> status(n);
+        const int rc = ObservedDepthsReadProfiles(h, first, n, beams, firstBeams, c[0].data(), c[1].data(),
+                                                  c[2].data(), status.data());
+        widenColumn(status, c[3]);
         return rc;
     },
-    [](TOVO_Sensor *h, unsigned int p, unsigned int b, double *v) {
-        unsigned int status = 0;
-        const int rc = ObservedDepthsRead(h, p, b, &v[0], &v[1], &v[2], &v[3], &v[4], &status);
-        v[5] = status;
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int capacity, unsigned int *offsets, Columns &c) {
+        std::vector<unsigned int> status(c[5].size());
+        const int rc = ObservedDepthsReadBeams(h, first, n, capacity, offsets, c[0].data(), c[1].data(), c[2].data(),
+                                               c[3].data(), c[4].data(), status.data());
+        widenColumn(status, c[5]);
         return rc;
     }};
 
@@ -248,16 +282,18 @@ const ProfileOps kSlantRangeOps = {
      {"beam_angle1", ColumnType::Radians},
      {"beam_angle2", ColumnType::Radians},
      {"status", ColumnType::Status}},
-    [](TOVO_Sensor *h, unsigned int p, double *v, unsigned int &beams, unsigned int &firstBeam) {
-        unsigned int status = 0;
-        const int rc = SLRangeReadProfile(h, p, &beams, &firstBeam, &v[0], &v[1], &v[2], &status);
-        v[3] = status;
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int *beams, unsigned int *firstBeams, Columns &c) {
+        std::vector<unsigned int> status(n);
+        const int rc = SLRangeReadProfiles(h, first, n, beams, firstBeams, c[0].data(), c[1].data(), c[2].data(),
+                                           status.data());
+        widenColumn(status, c[3]);
         return rc;
     },
-    [](TOVO_Sensor *h, unsigned int p, unsigned int b, double *v) {
-        unsigned int status = 0;
-        const int rc = SLRangeRead(h, p, b, &v[0], &v[1], &v[2], &v[3], &v[4], &status);
-        v[5] = status;
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int capacity, unsigned int *offsets, Columns &c) {
+        std::vector<unsigned int> status(c[5].size());
+        const int rc = SLRangeReadBeams(h, first, n, capacity, offsets, c[0].data(), c[1].data(), c[2].data(),
+                                        c[3].data(), c[4].data(), status.data());
+        widenColumn(status, c[5]);
         return rc;
     }};
 
@@ -267,17 +303,18 @@ const ProfileOps kTpeOps = {
      {"error1", ColumnType::Metres},
      {"error2", ColumnType::Metres},
      {"status", ColumnType::Status}},
-    [](TOVO_Sensor *h, unsigned int p, double *v, unsigned int &beams, unsigned int &firstBeam) {
-        unsigned int word = 0, status = 0;
-        const int rc = TPEReadProfile(h, p, &beams, &firstBeam, &v[0], &word, &status);
-        v[1] = word;
-        v[2] = status;
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int *beams, unsigned int *firstBeams, Columns &c) {
+        std::vector<unsigned int> words(n), status(n);
+        const int rc = TPEReadProfiles(h, first, n, beams, firstBeams, c[0].data(), words.data(), status.data());
+        widenColumn(words, c[1]);
+        widenColumn(status, c[2]);
         return rc;
     },
-    [](TOVO_Sensor *h, unsigned int p, unsigned int b, double *v) {
-        unsigned int status = 0;
-        const int rc = TPERead(h, p, b, &v[0], &v[1], &v[2], &status);
-        v[3] = status;
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int capacity, unsigned int *offsets, Columns &c) {
+        std::vector<unsigned int> status(c[3].size());
+        const int rc =
+            TPEReadBeams(h, first, n, capacity, offsets, c[0].data(), c[1].data(), c[2].data(), status.data());
+        widenColumn(status, c[3]);
         return rc;
     }};
 
@@ -306,9 +343,9 @@ int observedDepthsSegment(TOVO_Sensor *h, int n, Segment &out) {
 std::vector<Family> makeTable() {
     using CT = ColumnType;
     return {
-        navigation<NavigationSummary, NavigationLineSegment, NavigationRead>("Navigation", 3, NavigationOpenDir,
+        navigation<NavigationSummary, NavigationLineSegment, NavigationReadRange>("Navigation", 3, NavigationOpenDir,
                                                                              NavigationClose),
-        navigation<SSSNavigationSummary, SSSNavigationLineSegment, SSSNavigationRead>(
+        navigation<SSSNavigationSummary, SSSNavigationLineSegment, SSSNavigationReadRange>(
             "SSSNavigation", 12, SSSNavigationOpenDir, SSSNavigationClose),
         simple<CT::Radians>("Gyro", 1, GyroOpenDir),
         simple<CT::Metres>("Heave", 2, HeaveOpenDir),
