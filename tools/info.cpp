@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <set>
 #include <map>
 #include <memory>
 #include <sys/stat.h>
@@ -64,12 +66,24 @@ int countCasts(const std::string &line) {
     return casts;
 }
 
+// The names in a line directory: a family whose data file is absent is not
+// opened at all, which keeps a scan of many lines to one listing per line.
+std::set<std::string> entries(const std::string &path) {
+    std::set<std::string> names;
+    std::error_code ec;
+    for (std::filesystem::directory_iterator it(path, ec), end; !ec && it != end; it.increment(ec))
+        names.insert(it->path().filename().string());
+    return names;
+}
+
 LineInfo scanLine(const std::string &path) {
     LineInfo info;
     info.path = path;
     info.name = lineName(path);
     const std::wstring line = widen(path);
+    const std::set<std::string> present = entries(path);
     for (const Family &f : families()) {
+        if (!present.count(f.name)) continue;
         SensorInfo s;
         s.family = &f;
         TOVO_Sensor *h = f.open(line.c_str(), L"query", &s.error);
