@@ -119,12 +119,17 @@ bool gdalFailure(const std::string &what) {
     return false;
 }
 
-bool open(Writer &w, const std::string &file, const std::string &driverName, bool withFixes) {
+// A GDAL driver that can create vector data sets, or null.
+GDALDriverH vectorDriver(const std::string &name) {
     GDALAllRegister();
-    GDALDriverH driver = GDALGetDriverByName(driverName.c_str());
+    GDALDriverH driver = GDALGetDriverByName(name.c_str());
     if (!driver || !GDALGetMetadataItem(driver, GDAL_DCAP_VECTOR, nullptr) ||
         !GDALGetMetadataItem(driver, GDAL_DCAP_CREATE, nullptr))
-        return gdalFailure(driverName);
+        return nullptr;
+    return driver;
+}
+
+bool open(Writer &w, const std::string &file, GDALDriverH driver, const std::string &driverName, bool withFixes) {
     w.dataset = GDALCreate(driver, file.c_str(), 0, 0, 0, GDT_Unknown, nullptr);
     if (!w.dataset) return gdalFailure(file);
     if (!(w.tracks.layer = makeLayer(w.dataset, "tracks", wkbLineString, driverName))) return gdalFailure("tracks");
@@ -154,8 +159,12 @@ int runExport(const Args &args) {
     if (!LineExists(widen(path).c_str())) return reportError(path.c_str(), 5000010);
     CPLSetErrorHandler(CPLQuietErrorHandler);
     Writer w;
-    const std::string driver = p.get("--format", "GPKG");
-    if (!open(w, p.get("--to"), driver, p.has("--fixes"))) return kExitData;
+    const std::string driverName = p.get("--format", "GPKG");
+    GDALDriverH driver = vectorDriver(driverName);
+    if (!driver)
+        return usageError("export", "--format " + driverName + ": " +
+                                        text("ToolExportNoDriver", "not a vector driver of GDAL that can write"));
+    if (!open(w, p.get("--to"), driver, driverName, p.has("--fixes"))) return kExitData;
     // One transaction: GeoPackage writes a feature at a time otherwise.
     const bool transaction = GDALDatasetStartTransaction(w.dataset, FALSE) == OGRERR_NONE;
     std::size_t lines = 0;

@@ -31,7 +31,9 @@ bool walk(const fs::path &dir, const std::function<bool(const std::string &)> &v
             break;
         }
         std::error_code typeError;
-        if (name[0] != '.' && name != "VesselConfig" && it->is_directory(typeError)) subdirectories.push_back(name);
+        // Linked directories are not followed: a link back up would never end.
+        if (name[0] != '.' && name != "VesselConfig" && it->is_directory(typeError) && !it->is_symlink(typeError))
+            subdirectories.push_back(name);
     }
     if (line) {
         ++count;

@@ -21,6 +21,7 @@
 #include <fstream>
 #include <sstream>
 #include <sys/wait.h>
+#include <unistd.h>
 
 using velmio::test::readText;
 using velmio::test::TempDir;
@@ -110,6 +111,19 @@ TEST_F(Survey, InfoReportsEveryLineTheDamagedOnesWithTheirCodes) {
               "[(300, 151, 43.01)]\n");
     EXPECT_NE(r.err.find(std::to_string(gyro) + ": " + velmio::tool::sentence(gyro)), std::string::npos) << r.err;
     EXPECT_NE(r.err.find("Relevé ünïcode"), std::string::npos);
+}
+
+// Root reads whatever the permissions say; the directory standing in for a
+// file in the shared survey covers that case for root.
+TEST_F(Survey, InfoReportsAFileItMayNotRead) {
+    if (geteuid() == 0) GTEST_SKIP() << "running as root: permissions do not deny reading";
+    const std::string path = scratch_.file("P/V/2004-123/L1");
+    ASSERT_EQ(tool("demo --line " + sq(path), scratch_).rc, 0);
+    std::filesystem::permissions(path + "/Tide", std::filesystem::perms::none);
+    const Result r = tool("info " + sq(scratch_.path()), scratch_);
+    EXPECT_EQ(r.rc, 1);
+    EXPECT_NE(r.out.find("Tide               error"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("Gyro                   3000 records"), std::string::npos) << r.out;
 }
 
 TEST_F(Survey, InfoOnOneDayAndOnPathsThatHoldNoLines) {
@@ -255,7 +269,7 @@ TEST_F(Survey, ExportRoundTripsThroughGdal) {
             EXPECT_EQ(OGR_L_GetFeatureCount(GDALDatasetGetLayerByName(ds.h, "fixes"), TRUE), 2400);
         }
     }
-    EXPECT_EQ(tool("export " + sq(root_) + " --to " + sq(scratch_.file("x")) + " --format NoSuchDriver", scratch_).rc, 1);
+    EXPECT_EQ(tool("export " + sq(root_) + " --to " + sq(scratch_.file("x")) + " --format NoSuchDriver", scratch_).rc, 2);
     EXPECT_EQ(tool("export " + sq(root_), scratch_).rc, 2);
 }
 
