@@ -9,6 +9,7 @@
 #include "foundation/utf8.h"
 #include "linestore/time_index.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 #include "platform/system_error.h"
 
 #include <cerrno>
@@ -79,7 +80,7 @@ VELMDataFile::VELMDataFile(const MORVAUString &directory, const MORVAUString &fi
     rc = velmio::platform::reportOpenFailure(velmio::printable(dataPath_.c_str()), openErrno, codes, true, rc);
     if (rc == 0 && access != ACCESS_CREATE) rc = TmIdxRead();
     if (access != ACCESS_CREATE && indexFile_) {
-        std::fclose(indexFile_);
+        velmio::platform::closeFile(indexFile_);
         indexFile_ = nullptr;
     }
     status = rc;
@@ -137,7 +138,7 @@ void VELMDataFile::copyFrom(const VELMDataFile &other) {
     dataFile_ = nullptr;
     fileSize_ = 0;
     if (other.dataFile_) {
-        std::fflush(other.dataFile_);
+        velmio::platform::flushFile(other.dataFile_);
         dataFile_ = velmio::platform::openFile(dataPath_.c_str(), "rb");
         if (dataFile_) {
             std::int64_t size = velmio::platform::fileSize(dataFile_);
@@ -162,33 +163,47 @@ void VELMDataFile::copyFrom(const VELMDataFile &other) {
             if (index_->append(set->entries[i].encodedTime, set->entries[i].byteOffset) != 0) return;
 }
 
-void VELMDataFile::finish() {
+int VELMDataFile::Close() { return finish(); }
+
+int VELMDataFile::finish() {
+    int rc = 0;
+    const auto keep = [&rc](int status) {
+        if (rc == 0) rc = status;
+    };
     if (accessType_ == ACCESS_CREATE) {
         if (numberOfRecords_ > 0 && dataFile_) {
-            if (indexFile_) TmIdxWrite();
-            UpdateSummary();
+            if (indexFile_) keep(TmIdxWrite());
+            keep(UpdateSummary());
+            // A file that was created is on the disk once its handle is gone.
+            if (velmio::platform::syncFile(dataFile_) != 0) keep(kCannotWrite);
+            if (indexFile_ && velmio::platform::syncFile(indexFile_) != 0) keep(velmio::kTmIdxWriteFailed);
         }
-        closeFiles();
+        keep(closeFiles());
         // A file without records is no file: leave nothing behind.
         if (numberOfRecords_ == 0) {
             if (createdData_) velmio::platform::removeFile(dataPath_.c_str());
             if (createdIndex_) velmio::platform::removeFile(indexPath_.c_str());
         }
     } else {
-        if (accessType_ == ACCESS_UPDATE && summaryDirty_) UpdateSummary();
-        closeFiles();
+        if (accessType_ == ACCESS_UPDATE && summaryDirty_) keep(UpdateSummary());
+        keep(closeFiles());
     }
     createdData_ = createdIndex_ = false;
     for (std::size_t i = 0; i < summaryValues_.size(); ++i) FreeValue(summaryAttributes_[i].type, summaryValues_[i]);
     for (std::size_t i = 0; i < currentValues_.size(); ++i) FreeValue(dataAttributes_[i].type, currentValues_[i]);
     TmIdxSetFree();
     numberOfRecords_ = 0;
+    // Closed for good: a second Close or the destructor has nothing to do.
+    accessType_ = ACCESS_READ;
+    return rc;
 }
 
-void VELMDataFile::closeFiles() {
-    if (dataFile_) std::fclose(dataFile_);
-    if (indexFile_) std::fclose(indexFile_);
+int VELMDataFile::closeFiles() {
+    int rc = 0;
+    if (dataFile_ && velmio::platform::closeFile(dataFile_) != 0) rc = kCannotWrite;
+    if (indexFile_ && velmio::platform::closeFile(indexFile_) != 0 && rc == 0) rc = velmio::kTmIdxWriteFailed;
     dataFile_ = indexFile_ = nullptr;
+    return rc;
 }
 
 // ---- validation record ----
@@ -201,7 +216,7 @@ int VELMDataFile::TOVO_WriteDataValidationRecord() {
     unsigned int units[4] = {kMagic, typeWord_, kDataRecordKind, fileVersion_};
     for (unsigned int &u : units)
         if (!xdr_u_int(&x, &u)) return kValidationNotWritten;
-    if (std::fseek(dataFile_, 0, SEEK_SET) != 0 || std::fwrite(buffer, 4, 4, dataFile_) != 4)
+    if (velmio::platform::seekFile(dataFile_, 0, SEEK_SET) != 0 || velmio::platform::writeFile(buffer, 4, 4, dataFile_) != 4)
         return kValidationNotWritten;
     return 0;
 }
@@ -209,7 +224,7 @@ int VELMDataFile::TOVO_WriteDataValidationRecord() {
 int VELMDataFile::TOVO_ReadDataValidationRecord() {
     if (!dataFile_) return kValidationMismatch;
     char buffer[16];
-    if (std::fseek(dataFile_, 0, SEEK_SET) != 0 || std::fread(buffer, 4, 4, dataFile_) != 4)
+    if (velmio::platform::seekFile(dataFile_, 0, SEEK_SET) != 0 || velmio::platform::readFile(buffer, 4, 4, dataFile_) != 4)
         return kValidationMismatch;
     XDR x;
     xdrmem_create(&x, buffer, sizeof buffer, XDR_DECODE);
@@ -294,7 +309,7 @@ int VELMDataFile::WriteSummary() {
         u = xdr_getpos(&x);
         ok = ok && u == size && xdr_setpos(&x, 0) && xdr_u_int(&x, &u);
         if (!ok) return kCannotWrite;
-        if (std::fseek(dataFile_, 16, SEEK_SET) != 0 || std::fwrite(buffer.data(), buffer.size(), 1, dataFile_) != 1)
+        if (velmio::platform::seekFile(dataFile_, 16, SEEK_SET) != 0 || velmio::platform::writeFile(buffer.data(), buffer.size(), 1, dataFile_) != 1)
             return kCannotWrite;
         summaryRecordSize_ = u;
         summaryWritten_ = true;
@@ -324,7 +339,7 @@ int VELMDataFile::ReadSummary() {
     };
     try {
         char sizeBytes[4];
-        if (std::fseek(dataFile_, 16, SEEK_SET) != 0 || std::fread(sizeBytes, 4, 1, dataFile_) != 1)
+        if (velmio::platform::seekFile(dataFile_, 16, SEEK_SET) != 0 || velmio::platform::readFile(sizeBytes, 4, 1, dataFile_) != 1)
             return corrupt("no summary");
         XDR x;
         xdrmem_create(&x, sizeBytes, 4, XDR_DECODE);
@@ -334,7 +349,7 @@ int VELMDataFile::ReadSummary() {
             return corrupt("summary length out of bounds");
         std::vector<char> buffer(size);
         std::memcpy(buffer.data(), sizeBytes, 4);
-        if (size > 4 && std::fread(buffer.data() + 4, size - 4, 1, dataFile_) != 1) return corrupt("short summary");
+        if (size > 4 && velmio::platform::readFile(buffer.data() + 4, size - 4, 1, dataFile_) != 1) return corrupt("short summary");
 
         xdrmem_create(&x, buffer.data(), size, XDR_DECODE);
         unsigned int u, dataVersion = dataVersion_, status, records, dataRecordSize;
@@ -458,11 +473,11 @@ int VELMDataFile::UpdateSummary() {
         xdrmem_create(&x, unit, 4, XDR_ENCODE);
         unsigned int v = f.value;
         xdr_u_int(&x, &v);
-        if (std::fseek(dataFile_, 16 + static_cast<long>(f.position), SEEK_SET) != 0 ||
-            std::fwrite(unit, 4, 1, dataFile_) != 1)
+        if (velmio::platform::seekFile(dataFile_, 16 + static_cast<long>(f.position), SEEK_SET) != 0 ||
+            velmio::platform::writeFile(unit, 4, 1, dataFile_) != 1)
             return kCannotWrite;
     }
-    if (std::fflush(dataFile_) != 0) return kCannotWrite;
+    if (velmio::platform::flushFile(dataFile_) != 0) return kCannotWrite;
     summaryDirty_ = false;
     return 0;
 }
@@ -479,7 +494,7 @@ int VELMDataFile::TmIdxRead() {
 int VELMDataFile::TmIdxWrite() {
     if (!indexFile_) return velmio::kTmIdxCannotOpen;
     int rc = index_->writeTo(indexFile_, typeWord_, fileVersion_);
-    if (rc == 0 && std::fflush(indexFile_) != 0) rc = velmio::kTmIdxWriteFailed;
+    if (rc == 0 && velmio::platform::flushFile(indexFile_) != 0) rc = velmio::kTmIdxWriteFailed;
     return rc;
 }
 

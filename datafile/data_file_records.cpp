@@ -5,6 +5,7 @@
 #include "datafile/value_codec.h"
 #include "foundation/diagnostics.h"
 #include "linestore/time_index.h"
+#include "platform/stdio_file.h"
 
 #include <cstdlib>
 #include <new>
@@ -78,8 +79,8 @@ int VELMDataFile::WriteRecord(double time, unsigned int status, const std::vecto
     if (!ok || xdr_getpos(&x) != size) return kCannotWrite;
 
     const std::uint32_t offset = static_cast<std::uint32_t>(endOfData_);
-    if ((reposition_ && std::fseek(dataFile_, static_cast<long>(offset), SEEK_SET) != 0) ||
-        std::fwrite(recordBuffer_.data(), static_cast<std::size_t>(size), 1, dataFile_) != 1) {
+    if ((reposition_ && velmio::platform::seekFile(dataFile_, static_cast<long>(offset), SEEK_SET) != 0) ||
+        velmio::platform::writeFile(recordBuffer_.data(), static_cast<std::size_t>(size), 1, dataFile_) != 1) {
         // The next record goes where this one should have gone.
         reposition_ = true;
         velmio::say("VELMDataFile::WriteRecord(): could not write record %u of '%s'\n", numberOfRecords_ + 1,
@@ -102,13 +103,13 @@ int VELMDataFile::WriteRecord(double time, unsigned int status, const std::vecto
 // it in a file without length words) into bytes.
 int VELMDataFile::readRecordBytes(unsigned int recordNumber, unsigned int offset, std::vector<char> &bytes) {
     if (reposition_ || recordNumber != currentRecord_ + 1) {
-        if (std::fseek(dataFile_, static_cast<long>(offset), SEEK_SET) != 0) return kRecordUnreadable;
+        if (velmio::platform::seekFile(dataFile_, static_cast<long>(offset), SEEK_SET) != 0) return kRecordUnreadable;
     }
     reposition_ = true;
     std::uint64_t extent;
     if (fileVersion_ == 2) {
         char unit[4];
-        if (std::fread(unit, 4, 1, dataFile_) != 1) return kRecordUnreadable;
+        if (velmio::platform::readFile(unit, 4, 1, dataFile_) != 1) return kRecordUnreadable;
         XDR x;
         xdrmem_create(&x, unit, 4, XDR_DECODE);
         unsigned int length;
@@ -128,7 +129,7 @@ int VELMDataFile::readRecordBytes(unsigned int recordNumber, unsigned int offset
     }
     if (extent > 0x7FFFFFFFu) return kRecordUnreadable;
     bytes.resize(static_cast<std::size_t>(extent));
-    if (extent > 0 && std::fread(bytes.data(), bytes.size(), 1, dataFile_) != 1) return kRecordUnreadable;
+    if (extent > 0 && velmio::platform::readFile(bytes.data(), bytes.size(), 1, dataFile_) != 1) return kRecordUnreadable;
     reposition_ = false;
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "platform/files.h"
 
 #include "foundation/utf8.h"
+#include "platform/fault_injection.h"
 #include "platform/native_path.h"
 
 #include <cerrno>
@@ -24,6 +25,7 @@ std::FILE *openFile(const wchar_t *path, const char *mode) {
         errno = ENOENT;
         return nullptr;
     }
+    if (injectFault(FileOp::Open)) return nullptr;
     return std::fopen(nativePath(path).c_str(), mode);
 }
 
@@ -72,6 +74,7 @@ bool removeFile(const wchar_t *path) {
 
 bool renameFile(const wchar_t *from, const wchar_t *to) {
     if (!from || !to) return false;
+    if (injectFault(FileOp::Rename)) return false;
 #if defined(_WIN32)
     // rename() never replaces an existing target there.
     return MoveFileExW(fromUtf8(nativePath(from)).c_str(), fromUtf8(nativePath(to)).c_str(),
@@ -134,6 +137,7 @@ bool absolutePath(const wchar_t *path, std::wstring &out) {
 
 std::wstring temporarySibling(const wchar_t *target) {
     if (!target) return L"";
+    if (injectFault(FileOp::Open)) return L"";
     std::wstring dir(target);
     std::size_t cut = dir.find_last_of(L"/\\");
     dir = (cut == std::wstring::npos) ? std::wstring(L".") : dir.substr(0, cut);
