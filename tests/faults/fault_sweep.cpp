@@ -1,5 +1,7 @@
 #include "fault_sweep.h"
 
+#include <velmio/messages.hpp>
+
 #include "platform/fault_injection.h"
 
 #include <gtest/gtest.h>
@@ -18,6 +20,12 @@ const char *const kOpNames[] = {"open", "read", "write", "seek", "flush", "sync"
 constexpr int kErrors[] = {ENOSPC, EIO, EACCES};
 
 std::uint64_t g_total = 0;
+
+// Documented: the message bundle has a sentence for it.
+bool documented(int code) {
+    MORVAUString sentence;
+    return VELMIOUtils::findErrorMessage(code, sentence) == 0;
+}
 
 // The total is what shows that the sweeps did reach the operations.
 class TotalReport : public ::testing::Environment {
@@ -55,6 +63,9 @@ std::uint64_t sweepFaults(const std::function<void()> &prepare, const std::funct
                 const int code = run();
                 velmio::platform::disarmFaults();
                 ::testing::internal::GetCapturedStdout();
+                if (code != 0) {
+                    EXPECT_TRUE(documented(code)) << code << " has no sentence";
+                }
                 judge(code);
                 ++failed;
                 if (::testing::Test::HasFatalFailure()) return failed;
