@@ -4,9 +4,11 @@
 #include "platform/fault_injection.h"
 #include "platform/native_path.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <filesystem>
 #include <sys/stat.h>
 
 #if defined(_WIN32)
@@ -82,6 +84,21 @@ bool renameFile(const wchar_t *from, const wchar_t *to) {
 #else
     return std::rename(nativePath(from).c_str(), nativePath(to).c_str()) == 0;
 #endif
+}
+
+bool listSubdirectories(const wchar_t *path, std::vector<std::wstring> &names) {
+    names.clear();
+    if (!path) return false;
+    std::error_code error;
+    std::filesystem::directory_iterator it(std::filesystem::u8path(nativePath(path)), error), end;
+    if (error) return false;
+    for (; it != end; it.increment(error)) {
+        if (error) return false;
+        std::error_code kind;
+        if (it->is_directory(kind)) names.push_back(fromUtf8(it->path().filename().u8string()));
+    }
+    std::sort(names.begin(), names.end());
+    return true;
 }
 
 bool makeDirectory(const wchar_t *path) {

@@ -22,6 +22,7 @@ int runTime(const Args &args);
 int runDemo(const Args &args);
 int runShow(const Args &args);
 int runExplain(const Args &args);
+int runCheck(const Args &args);
 
 // UTF-8 argument to a wide string, and back.
 std::wstring widen(const std::string &text);

@@ -41,6 +41,7 @@ const Listed kCommands[] = {
     {{"show", "LINE_DIRECTORY", "summarise every sensor of a survey line", runShow}, "ToolShowArguments",
      "ToolShowSummary"},
     {{"explain", "CODE...", "say what error codes mean", runExplain}, "ToolExplainArguments", "ToolExplainSummary"},
+    {{"check", "PATH [--json]", "verify every sensor of a line or of the lines below", runCheck}, "ToolCheckArguments", "ToolCheckSummary"},
 };
 
 void usage(std::FILE *out) {
