@@ -41,7 +41,9 @@ TEST(SideScanTrace, WrittenAsDocumentedAndEveryCutIsSafe) {
         if (cut >= 16 && (cut - 16) % 12 == 0) {
             EXPECT_EQ(rc, 0) << cut;
             EXPECT_EQ(count, (cut - 16) / 12);
-            if (count) EXPECT_EQ(readTrace(f, count, count, t), 0);
+            if (count) {
+                EXPECT_EQ(readTrace(f, count, count, t), 0);
+            }
         } else {
             EXPECT_EQ(rc, kTraceFailed) << cut;
         }
