@@ -69,6 +69,27 @@ int decodeRecord(TOVO_Sensor &h, double *time, double *value, unsigned int *stat
     return 0;
 }
 
+// Appends one record; the per-record and the bulk write share it byte for byte.
+int writeRecord(TOVO_Sensor &h, SimpleSensorState &s, double time, double value, unsigned int status) {
+    if (h.firstRecordPending) {
+        h.referenceTime = TOVO_EncodeRefTime(time);
+        h.firstRecordPending = 0;
+    }
+    // Counted before anything can fail: a failed write still counts.
+    ++h.recordCount;
+    int t = TOVO_EncodeTime(time, h.referenceTime, h.timeScale);
+    int v = h.encodeValue(value);
+    if (int rc = beginRecord(h, s, t)) return rc;
+    if (!xdr_u_int(&h.encodeStream, &status) || !xdr_int(&h.encodeStream, &t) || !xdr_int(&h.encodeStream, &v))
+        return kSimple.code(kNotEncodable);
+    if (int rc = finishRecord(h, s)) return rc;
+    const double values[2] = {time, value};
+    widenExtents(h, values, 2);
+    ++s.written;
+    s.needsSeek = 1;
+    return 0;
+}
+
 }  // namespace
 }  // namespace velmio
 
@@ -83,13 +104,13 @@ extern "C" VELMIO_API TOVO_Sensor *SimpleSensorOpen(const wchar_t *lineDirectory
         rc = kUnknownType;
         return nullptr;
     }
-    if (encodingKind != SIMPLE_SENSOR_METRES && encodingKind != SIMPLE_SENSOR_RADIANS) {
+    if (encodingKind != VELMIO_SIMPLE_SENSOR_METRES && encodingKind != VELMIO_SIMPLE_SENSOR_RADIANS) {
         rc = kMissingOutput;
         return nullptr;
     }
     TOVO_Sensor *h = SensorOpenDir(lineDirectory, typeId, accessToken, &rc);
     if (!h) return nullptr;
-    if (encodingKind == SIMPLE_SENSOR_RADIANS) {
+    if (encodingKind == VELMIO_SIMPLE_SENSOR_RADIANS) {
         h->encodeValue = TOVO_EncodeRadians;
         h->decodeValue = TOVO_DecodeRadians;
     } else {
@@ -158,10 +179,27 @@ extern "C" VELMIO_API int SimpleSensorRead(TOVO_Sensor *h, unsigned int n, doubl
     return 0;
 }
 
+extern "C" VELMIO_API int SimpleSensorReadRange(TOVO_Sensor *h, unsigned int firstRecord, unsigned int count,
+                                                double *times, double *values, unsigned int *statuses) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (isCreate(*h)) return kSimple.code(kWrongMode);
+    if (count == 0) return 0;
+    if (!inRange(*h, firstRecord, count)) return kSimple.code(kOutOfRange);
+    for (unsigned int i = 0; i < count; ++i) {
+        const unsigned int n = firstRecord + i;
+        unsigned int status = 0;
+        if (int rc = readRecordAt(*h, *s, n)) return rc;
+        if (int rc = decodeRecord(*h, times ? times + i : nullptr, values ? values + i : nullptr, &status)) return rc;
+        if (statuses) statuses[i] = isUpdate(*h) ? h->shadowStatus[n] : status;
+    }
+    return 0;
+}
+
 extern "C" VELMIO_API int SimpleSensorReadSeq(TOVO_Sensor *h, double *time, double *value, unsigned int *status) {
     SimpleSensorState *s = nullptr;
     if (int rc = check(h, s)) return rc;
-    if (h->accessMode != TOVO_ACCESS_QUERY) return kSimple.code(kWrongMode);
+    if (h->accessMode != VELMIO_ACCESS_QUERY) return kSimple.code(kWrongMode);
     if (!status) return kMissingOutput;
     if (int rc = readNextRecord(*h, *s)) return rc;
     return decodeRecord(*h, time, value, status);
@@ -183,22 +221,18 @@ extern "C" VELMIO_API int SimpleSensorSeqWrite(TOVO_Sensor *h, double time, doub
     SimpleSensorState *s = nullptr;
     if (int rc = check(h, s)) return rc;
     if (!isCreate(*h)) return kSimple.code(kWrongMode);
-    if (h->firstRecordPending) {
-        h->referenceTime = TOVO_EncodeRefTime(time);
-        h->firstRecordPending = 0;
-    }
-    // Counted before anything can fail: a failed write still counts.
-    ++h->recordCount;
-    int t = TOVO_EncodeTime(time, h->referenceTime, h->timeScale);
-    int v = h->encodeValue(value);
-    if (int rc = beginRecord(*h, *s, t)) return rc;
-    if (!xdr_u_int(&h->encodeStream, &status) || !xdr_int(&h->encodeStream, &t) || !xdr_int(&h->encodeStream, &v))
-        return kSimple.code(kNotEncodable);
-    if (int rc = finishRecord(*h, *s)) return rc;
-    const double values[2] = {time, value};
-    widenExtents(*h, values, 2);
-    ++s->written;
-    s->needsSeek = 1;
+    return writeRecord(*h, *s, time, value, status);
+}
+
+extern "C" VELMIO_API int SimpleSensorSeqWriteRange(TOVO_Sensor *h, unsigned int count, const double *times,
+                                                    const double *values, const unsigned int *statuses) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (!isCreate(*h)) return kSimple.code(kWrongMode);
+    if (count == 0) return 0;
+    if (!times || !values) return kMissingOutput;
+    for (unsigned int i = 0; i < count; ++i)
+        if (int rc = writeRecord(*h, *s, times[i], values[i], statuses ? statuses[i] : 0)) return rc;
     return 0;
 }
 
