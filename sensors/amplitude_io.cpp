@@ -5,6 +5,7 @@
 #include "sensors/amplitude_bytes.h"
 #include "sensors/side_scan_access.h"
 
+#include <memory>
 #include <new>
 #include <string>
 #include <utility>
@@ -90,34 +91,30 @@ long VELMAmplitudeIO::Impl::loadProfile(unsigned int number) {
     return 0;
 }
 
-VELMAmplitudeIO::VELMAmplitudeIO() : impl_(new Impl) {}
+VELMAmplitudeIO::VELMAmplitudeIO() : d_(std::make_unique<Impl>()) {}
 
-VELMAmplitudeIO::VELMAmplitudeIO(const VELMAmplitudeIO &other) : impl_(new Impl(*other.impl_)) {}
+VELMAmplitudeIO::VELMAmplitudeIO(const VELMAmplitudeIO &other) : d_(std::make_unique<Impl>(*other.d_)) {}
 
 VELMAmplitudeIO &VELMAmplitudeIO::operator=(const VELMAmplitudeIO &other) {
-    if (this != &other) {
-        Impl *copy = new Impl(*other.impl_);
-        delete impl_;
-        impl_ = copy;
-    }
+    if (this != &other) d_ = std::make_unique<Impl>(*other.d_);
     return *this;
 }
 
-VELMAmplitudeIO::~VELMAmplitudeIO() { delete impl_; }
+VELMAmplitudeIO::~VELMAmplitudeIO() = default;
 
 long VELMAmplitudeIO::open(const wchar_t *linePath) {
     close();
     if (!linePath) return -1;
     try {
-        impl_->path = linePath;
+        d_->path = linePath;
     } catch (const std::bad_alloc &) {
         return kNoMemory;
     }
-    if (!impl_->openSensor()) {
-        impl_->forget();
+    if (!d_->openSensor()) {
+        d_->forget();
         return -1;
     }
-    if (const int rc = impl_->access->summary(impl_->sensor, &impl_->minTime, &impl_->maxTime, &impl_->summaryStatus)) {
+    if (const int rc = d_->access->summary(d_->sensor, &d_->minTime, &d_->maxTime, &d_->summaryStatus)) {
         close();
         return rc;
     }
@@ -125,7 +122,7 @@ long VELMAmplitudeIO::open(const wchar_t *linePath) {
 }
 
 long VELMAmplitudeIO::read(unsigned int profile, unsigned int sample) {
-    Impl &m = *impl_;
+    Impl &m = *d_;
     if (!m.sensor) return kNothingOpen;
     if (profile == m.profile && sample == m.sample) return 0;
     m.sample = sample;
@@ -135,26 +132,26 @@ long VELMAmplitudeIO::read(unsigned int profile, unsigned int sample) {
 
 unsigned char VELMAmplitudeIO::getAmplitude(long &status) const {
     status = 0;
-    if (!impl_->samplePresent()) {
+    if (!d_->samplePresent()) {
         status = -1;
         return 0;
     }
-    return impl_->bytes[impl_->sample - impl_->ping.firstSample];
+    return d_->bytes[d_->sample - d_->ping.firstSample];
 }
 
 VELMAmplitudeIO::DetectType VELMAmplitudeIO::getDetectType() const {
-    const Impl &m = *impl_;
+    const Impl &m = *d_;
     if (!m.sensor || m.access->sonarType(m.sensor) == kNoDetection || !m.samplePresent()) return DETECT_NONE;
     return m.detections[m.sample - m.ping.firstSample] < 128 ? DETECT_WORD_LOW : DETECT_WORD_HIGH;
 }
 
 long VELMAmplitudeIO::close() {
-    impl_->closeSensor();
-    impl_->forget();
+    d_->closeSensor();
+    d_->forget();
     return 0;
 }
 
 void VELMAmplitudeIOAccess::use(VELMAmplitudeIO &reader, const SideScanAccess &access) {
     reader.close();
-    reader.impl_->access = &access;
+    reader.d_->access = &access;
 }

@@ -20,6 +20,8 @@
 
 #include <velmio/export.h>
 
+#include <memory>
+
 class VELMIO_API VELMAmplitudeIO {
 public:
     // What the detection word of the current sample says.
@@ -53,7 +55,7 @@ public:
 
 private:
     struct Impl;
-    Impl *impl_;
+    std::unique_ptr<Impl> d_;
     friend struct VELMAmplitudeIOAccess;
 };
 
