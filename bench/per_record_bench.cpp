@@ -22,7 +22,7 @@ namespace velmio::bench {
 namespace {
 
 constexpr std::size_t kStdioBuffer = 64 * 1024;
-constexpr std::size_t kRandomReads = 100000;
+constexpr std::size_t kRandomReads = 20000;
 
 struct FileClose {
     void operator()(std::FILE *f) const { std::fclose(f); }
@@ -277,33 +277,19 @@ void OpenForQuery(benchmark::State &state) {
         });
 }
 
-using Benchmark = void (*)(benchmark::State &);
-
-// Registers name for both line sizes; cached adds the runs with VelmIOCacheSize set.
-void add(const std::string &name, Benchmark run, bool cached = false) {
-    for (long long cache : {0, 1}) {
-        if (cache && !cached) continue;
-        for (std::size_t records : {kSmallLine, kLargeLine})
-            passes(benchmark::RegisterBenchmark((name + (cache ? "+cache" : "")).c_str(), run)
-                       ->Args({static_cast<long long>(records), cache})
-                       ->ArgNames({"records", "cache"}),
-                   records);
-    }
-}
-
 const bool registered = [] {
-    add("PerRecordWrite/Gyro", PerRecordWrite<Family::Gyro>);
-    add("PerRecordWrite/Navigation", PerRecordWrite<Family::Navigation>);
-    add("PerRecordWrite/ObservedDepths", PerRecordWrite<Family::ObservedDepths>);
-    add("PerRecordWrite/TPE", PerRecordWrite<Family::TPE>);
-    add("PerRecordRead/Gyro", PerRecordRead<Family::Gyro>);
-    add("PerRecordRead/Navigation", PerRecordRead<Family::Navigation>);
-    add("PerRecordRead/ObservedDepths", PerRecordRead<Family::ObservedDepths>);
-    add("PerRecordRead/TPE", PerRecordRead<Family::TPE>, true);
-    add("RandomRead/Gyro", RandomRead<Family::Gyro>);
-    add("RandomRead/Navigation", RandomRead<Family::Navigation>);
-    add("RandomRead/ObservedDepths", RandomRead<Family::ObservedDepths>);
-    add("RandomRead/TPE", RandomRead<Family::TPE>, true);
+    addForLines("PerRecordWrite/Gyro", PerRecordWrite<Family::Gyro>);
+    addForLines("PerRecordWrite/Navigation", PerRecordWrite<Family::Navigation>);
+    addForLines("PerRecordWrite/ObservedDepths", PerRecordWrite<Family::ObservedDepths>);
+    addForLines("PerRecordWrite/TPE", PerRecordWrite<Family::TPE>);
+    addForLines("PerRecordRead/Gyro", PerRecordRead<Family::Gyro>);
+    addForLines("PerRecordRead/Navigation", PerRecordRead<Family::Navigation>);
+    addForLines("PerRecordRead/ObservedDepths", PerRecordRead<Family::ObservedDepths>);
+    addForLines("PerRecordRead/TPE", PerRecordRead<Family::TPE>, true);
+    addForLines("RandomRead/Gyro", RandomRead<Family::Gyro>);
+    addForLines("RandomRead/Navigation", RandomRead<Family::Navigation>);
+    addForLines("RandomRead/ObservedDepths", RandomRead<Family::ObservedDepths>);
+    addForLines("RandomRead/TPE", RandomRead<Family::TPE>, true);
     passes(benchmark::RegisterBenchmark("OpenForQuery/Gyro", OpenForQuery)
                ->Args({static_cast<long long>(kLargeLine), 0})
                ->ArgNames({"records", "cache"}),

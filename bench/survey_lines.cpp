@@ -174,6 +174,17 @@ void writeLine(Family family, const std::wstring &directory, std::size_t records
     check(closeLine(family, h), "Close");
 }
 
+void addForLines(const std::string &name, void (*run)(benchmark::State &), bool cached) {
+    for (long long cache : {0, 1}) {
+        if (cache && !cached) continue;
+        for (std::size_t records : {kSmallLine, kLargeLine})
+            passes(benchmark::RegisterBenchmark((name + (cache ? "+cache" : "")).c_str(), run)
+                       ->Args({static_cast<long long>(records), cache})
+                       ->ArgNames({"records", "cache"}),
+                   records);
+    }
+}
+
 const Line &line(Family family, std::size_t records) {
     static std::map<std::pair<Family, std::size_t>, Line> lines;
     const auto key = std::make_pair(family, records);

@@ -6,6 +6,8 @@
 
 #include <velmio/export.h>
 
+#include <benchmark/benchmark.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -61,6 +63,10 @@ const Line &line(Family family, std::size_t records);
 TOVO_Sensor *openLine(Family family, const std::wstring &directory, const wchar_t *mode,
                       const char *cacheSize = nullptr);
 int closeLine(Family family, TOVO_Sensor *handle);
+
+// Registers a benchmark taking (records, cache) for both line sizes; cached
+// adds the runs with VelmIOCacheSize set, named name + "+cache".
+void addForLines(const std::string &name, void (*run)(benchmark::State &), bool cached = false);
 
 }  // namespace velmio::bench
 

@@ -2,7 +2,8 @@
 # Installs the Debian packages VelmIO builds and tests with, when missing.
 set -euo pipefail
 packages=(cmake make g++ pkg-config libxml2-dev libicu-dev icu-devtools libgtest-dev libgmock-dev
-          libbenchmark-dev libgeographiclib-dev tzdata locales)
+          libbenchmark-dev libgeographiclib-dev tzdata locales
+          libproj-dev)  # libproj-dev: the projection benchmarks compare with PROJ
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
