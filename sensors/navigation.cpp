@@ -328,10 +328,30 @@ int bgnSeqWriteLineSegment(const NavigationFamily &f, TOVO_Sensor *h, const wcha
     return beginLineSegment(*h, f.records, sourceName);
 }
 
-int seqWrite(const NavigationFamily &f, TOVO_Sensor *h, double time, double latitude, double longitude,
-             double metres, unsigned int status) {
+int readRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int first, unsigned int count, double *times,
+              double *latitudes, double *longitudes, double *metres, unsigned int *statuses) {
     NavigationState *s = nullptr;
-    if (int rc = check(f, kSeqWrite, h, s)) return rc;
+    if (int rc = check(f, kRead, h, s)) return rc;
+    if (count == 0) return 0;
+    if (!inRange(*h, first, count)) return f.records.code(kOutOfRange);
+    for (unsigned int i = 0; i < count; ++i) {
+        const unsigned int n = first + i;
+        double t, lat, lon, m;
+        unsigned int status;
+        if (int rc = readRecordAt(*h, *s, n)) return rc;
+        if (int rc = decodeRecord(*h, &t, &lat, &lon, &m, &status)) return rc;
+        if (times) times[i] = t;
+        if (latitudes) latitudes[i] = lat;
+        if (longitudes) longitudes[i] = lon;
+        if (metres) metres[i] = m;
+        if (statuses) statuses[i] = isUpdate(*h) ? h->shadowStatus[n] : status;
+    }
+    return 0;
+}
+
+// Appends one record; the per-record and the bulk write share it byte for byte.
+int writeRecord(TOVO_Sensor *h, NavigationState *s, const RecordFamily &records, double time, double latitude,
+                double longitude, double metres, unsigned int status) {
     if (h->firstRecordPending) {
         h->referenceTime = TOVO_EncodeRefTime(time);
         h->referenceLatitude = TOVO_EncodeRefPosition(latitude);
@@ -347,12 +367,33 @@ int seqWrite(const NavigationFamily &f, TOVO_Sensor *h, double time, double lati
     if (int rc = beginRecord(*h, *s, t)) return rc;
     XDR &x = h->encodeStream;
     if (!xdr_u_int(&x, &status) || !xdr_int(&x, &t) || !xdr_int(&x, &lat) || !xdr_int(&x, &lon) || !xdr_int(&x, &m))
-        return f.records.code(kNotEncodable);
+        return records.code(kNotEncodable);
     if (int rc = finishRecord(*h, *s)) return rc;
     const double values[3] = {time, latitude, longitude};
     widenExtents(*h, values, 3);
     ++s->written;
     s->needsSeek = 1;
+    return 0;
+}
+
+int seqWrite(const NavigationFamily &f, TOVO_Sensor *h, double time, double latitude, double longitude,
+             double metres, unsigned int status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kSeqWrite, h, s)) return rc;
+    return writeRecord(h, s, f.records, time, latitude, longitude, metres, status);
+}
+
+int seqWriteRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int count, const double *times,
+                  const double *latitudes, const double *longitudes, const double *metres,
+                  const unsigned int *statuses) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kSeqWrite, h, s)) return rc;
+    if (count == 0) return 0;
+    if (!times || !latitudes || !longitudes || !metres) return kMissingOutput;
+    for (unsigned int i = 0; i < count; ++i)
+        if (int rc = writeRecord(h, s, f.records, times[i], latitudes[i], longitudes[i], metres[i],
+                                 statuses ? statuses[i] : 0))
+            return rc;
     return 0;
 }
 
@@ -430,6 +471,15 @@ using namespace velmio;
     extern "C" VELMIO_API int P##Read(TOVO_Sensor *h, unsigned int n, double *time, double *lat, double *lon,    \
                                       double *metres, unsigned int *status) {                                   \
         return readAt(F, h, n, time, lat, lon, metres, status);                                                  \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##ReadRange(TOVO_Sensor *h, unsigned int first, unsigned int count, double *times,  \
+                                           double *lats, double *lons, double *metres, unsigned int *statuses) { \
+        return readRange(F, h, first, count, times, lats, lons, metres, statuses);                               \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##SeqWriteRange(TOVO_Sensor *h, unsigned int count, const double *times,          \
+                                               const double *lats, const double *lons, const double *metres,    \
+                                               const unsigned int *statuses) {                                  \
+        return seqWriteRange(F, h, count, times, lats, lons, metres, statuses);                                  \
     }                                                                                                            \
     extern "C" VELMIO_API int P##ReadSeq(TOVO_Sensor *h, double *time, double *lat, double *lon, double *metres, \
                                          unsigned int *status) {                                                \

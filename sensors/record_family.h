@@ -110,6 +110,11 @@ inline bool isUpdate(const TOVO_Sensor &h) { return h.accessMode == 3; }
 // and the code is returned.
 int openRecordFamily(TOVO_Sensor *h, RecordState *state);
 
+// True when records first .. first + count - 1 (count > 0) all exist.
+inline bool inRange(const TOVO_Sensor &h, std::uint32_t first, std::uint32_t count) {
+    return first >= 1 && std::uint64_t{first} + count - 1 <= h.recordCount;
+}
+
 // Reads record n into the record buffer and rewinds the decode stream,
 // seeking only when the file is not already at record n.
 int readRecordAt(TOVO_Sensor &h, RecordState &s, std::uint32_t n);

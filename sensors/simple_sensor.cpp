@@ -69,6 +69,27 @@ int decodeRecord(TOVO_Sensor &h, double *time, double *value, unsigned int *stat
     return 0;
 }
 
+// Appends one record; the per-record and the bulk write share it byte for byte.
+int writeRecord(TOVO_Sensor &h, SimpleSensorState &s, double time, double value, unsigned int status) {
+    if (h.firstRecordPending) {
+        h.referenceTime = TOVO_EncodeRefTime(time);
+        h.firstRecordPending = 0;
+    }
+    // Counted before anything can fail: a failed write still counts.
+    ++h.recordCount;
+    int t = TOVO_EncodeTime(time, h.referenceTime, h.timeScale);
+    int v = h.encodeValue(value);
+    if (int rc = beginRecord(h, s, t)) return rc;
+    if (!xdr_u_int(&h.encodeStream, &status) || !xdr_int(&h.encodeStream, &t) || !xdr_int(&h.encodeStream, &v))
+        return kSimple.code(kNotEncodable);
+    if (int rc = finishRecord(h, s)) return rc;
+    const double values[2] = {time, value};
+    widenExtents(h, values, 2);
+    ++s.written;
+    s.needsSeek = 1;
+    return 0;
+}
+
 }  // namespace
 }  // namespace velmio
 
@@ -158,6 +179,23 @@ extern "C" VELMIO_API int SimpleSensorRead(TOVO_Sensor *h, unsigned int n, doubl
     return 0;
 }
 
+extern "C" VELMIO_API int SimpleSensorReadRange(TOVO_Sensor *h, unsigned int firstRecord, unsigned int count,
+                                                double *times, double *values, unsigned int *statuses) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (isCreate(*h)) return kSimple.code(kWrongMode);
+    if (count == 0) return 0;
+    if (!inRange(*h, firstRecord, count)) return kSimple.code(kOutOfRange);
+    for (unsigned int i = 0; i < count; ++i) {
+        const unsigned int n = firstRecord + i;
+        unsigned int status = 0;
+        if (int rc = readRecordAt(*h, *s, n)) return rc;
+        if (int rc = decodeRecord(*h, times ? times + i : nullptr, values ? values + i : nullptr, &status)) return rc;
+        if (statuses) statuses[i] = isUpdate(*h) ? h->shadowStatus[n] : status;
+    }
+    return 0;
+}
+
 extern "C" VELMIO_API int SimpleSensorReadSeq(TOVO_Sensor *h, double *time, double *value, unsigned int *status) {
     SimpleSensorState *s = nullptr;
     if (int rc = check(h, s)) return rc;
@@ -183,22 +221,18 @@ extern "C" VELMIO_API int SimpleSensorSeqWrite(TOVO_Sensor *h, double time, doub
     SimpleSensorState *s = nullptr;
     if (int rc = check(h, s)) return rc;
     if (!isCreate(*h)) return kSimple.code(kWrongMode);
-    if (h->firstRecordPending) {
-        h->referenceTime = TOVO_EncodeRefTime(time);
-        h->firstRecordPending = 0;
-    }
-    // Counted before anything can fail: a failed write still counts.
-    ++h->recordCount;
-    int t = TOVO_EncodeTime(time, h->referenceTime, h->timeScale);
-    int v = h->encodeValue(value);
-    if (int rc = beginRecord(*h, *s, t)) return rc;
-    if (!xdr_u_int(&h->encodeStream, &status) || !xdr_int(&h->encodeStream, &t) || !xdr_int(&h->encodeStream, &v))
-        return kSimple.code(kNotEncodable);
-    if (int rc = finishRecord(*h, *s)) return rc;
-    const double values[2] = {time, value};
-    widenExtents(*h, values, 2);
-    ++s->written;
-    s->needsSeek = 1;
+    return writeRecord(*h, *s, time, value, status);
+}
+
+extern "C" VELMIO_API int SimpleSensorSeqWriteRange(TOVO_Sensor *h, unsigned int count, const double *times,
+                                                    const double *values, const unsigned int *statuses) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (!isCreate(*h)) return kSimple.code(kWrongMode);
+    if (count == 0) return 0;
+    if (!times || !values) return kMissingOutput;
+    for (unsigned int i = 0; i < count; ++i)
+        if (int rc = writeRecord(*h, *s, times[i], values[i], statuses ? statuses[i] : 0)) return rc;
     return 0;
 }
 
