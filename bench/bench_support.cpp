@@ -142,6 +142,7 @@ benchmark::internal::Benchmark *passes(benchmark::internal::Benchmark *b, std::s
 }
 
 std::size_t residentBytes() { return statusBytes("VmRSS"); }
+std::size_t residentFileBytes() { return statusBytes("RssFile"); }
 
 void resetPeak() {
     // Writing 5 resets the peak resident size to the current one.

@@ -80,6 +80,7 @@ benchmark::internal::Benchmark *passes(benchmark::internal::Benchmark *b, std::s
 // Resident memory now and its peak since resetPeak() (Linux; 0 elsewhere):
 // peakBytes() - residentBytes() taken before the work is what the work added.
 std::size_t residentBytes();
+std::size_t residentFileBytes();  // of mapped files
 void resetPeak();
 std::size_t peakBytes();
 

@@ -8,9 +8,9 @@ import sys
 
 OPERATIONS = {
     'PerRecordWrite': ('per-record write', 'rate', 0.7),
+    'BulkWrite': ('bulk write', 'rate', 0.8),
     'PerRecordRead': ('per-record sequential read', 'rate', 0.9),
     'BulkRead': ('bulk read', 'rate', 0.9),
-    'BulkWrite': ('bulk write', 'rate', 0.8),
     'RandomRead': ('random Read', 'time', 1 / 1.5),
     'OpenForQuery': ('open for query', 'time', 1 / 2.0),
     'UTMForward': ('UTM forward per point (raw: PROJ proj_trans)', 'time', None),
@@ -50,8 +50,16 @@ def duration(per_second):
     return '%.3g ns' % (seconds / 1e-9)
 
 
+def order(b):
+    """Operations in the table's order, then family, then line size."""
+    parts = b['name'].split('/')
+    family = parts[1] if len(parts) > 1 else ''
+    return (list(OPERATIONS).index(parts[0]) if parts[0] in OPERATIONS else len(OPERATIONS),
+            family.split('+')[0], family, b['name'].count(':1000000'))
+
+
 def rows(benchmarks):
-    for b in benchmarks:
+    for b in sorted(benchmarks, key=order):
         if b.get('run_type') == 'aggregate' or 'error_occurred' in b:
             continue
         parts = b['name'].split('/')
@@ -74,8 +82,10 @@ def rows(benchmarks):
             title, line or '-', show(velmio) if velmio else '-', show(raw) if raw else '-', ratio('ratio'),
             ratio('cpu_ratio'), '≥ %.2f' % target if target else '-')
         if 'peak_extra_bytes' in b:
-            yield '| peak memory above the caller\'s arrays | %s | %.0f KiB | - | - | - | ≤ 1024 KiB |' % (
-                line, b['peak_extra_bytes'] / 1024)
+            mapped = b.get('mapped_file_bytes', 0)
+            yield '| peak memory above the caller\'s arrays | %s | %.0f KiB%s | - | - | - | ≤ 1024 KiB |' % (
+                line, b['peak_extra_bytes'] / 1024,
+                ' (and %.0f MiB of mapped file pages)' % (mapped / 2**20) if mapped > 0 else '')
 
 
 def main(path):
