@@ -14,7 +14,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace velmio::bench {
 namespace {
@@ -209,66 +208,61 @@ Columns source(Family family, std::size_t records) {
     return c;
 }
 
-void check(int rc, const char *what) {
-    if (rc != 0) throw std::runtime_error(std::string(what) + " failed: " + std::to_string(rc));
-}
-
 // The same line writeLine makes (a segment per million records), in bulk calls.
 void writeAll(Family family, const std::wstring &dir, const Columns &c) {
-    constexpr std::size_t kSegment = 1000000;
     TOVO_Sensor *h = openLine(family, dir, L"create");
     const std::size_t n = c.time.size();
     switch (family) {
     case Family::Gyro:
     case Family::Navigation:
-        check(family == Family::Gyro ? GyroBgnSeqWriteSummary(h) : NavigationBgnSeqWriteSummary(h, 1),
+        require(family == Family::Gyro ? GyroBgnSeqWriteSummary(h) : NavigationBgnSeqWriteSummary(h, 1),
               "BgnSeqWriteSummary");
-        for (std::size_t at = 0; at < n; at += kSegment) {
-            const auto count = static_cast<unsigned int>(std::min(kSegment, n - at));
+        for (std::size_t at = 0; at < n; at += kSegmentRecords) {
+            const auto count = static_cast<unsigned int>(std::min(kSegmentRecords, n - at));
             if (family == Family::Gyro) {
-                check(GyroBgnSeqWriteLineSegment(h, L"raw.dat"), "GyroBgnSeqWriteLineSegment");
-                check(GyroSeqWriteRange(h, count, &c.time[at], &c.v1[at], &c.status[at]), "GyroSeqWriteRange");
-                check(GyroEndSeqWriteLineSegment(h, 0), "GyroEndSeqWriteLineSegment");
+                require(GyroBgnSeqWriteLineSegment(h, L"raw.dat"), "GyroBgnSeqWriteLineSegment");
+                require(GyroSeqWriteRange(h, count, &c.time[at], &c.v1[at], &c.status[at]), "GyroSeqWriteRange");
+                require(GyroEndSeqWriteLineSegment(h, 0), "GyroEndSeqWriteLineSegment");
             } else {
-                check(NavigationBgnSeqWriteLineSegment(h, L"raw.dat"), "NavigationBgnSeqWriteLineSegment");
-                check(NavigationSeqWriteRange(h, count, &c.time[at], &c.v1[at], &c.v2[at], &c.v3[at], &c.status[at]),
+                require(NavigationBgnSeqWriteLineSegment(h, L"raw.dat"), "NavigationBgnSeqWriteLineSegment");
+                require(NavigationSeqWriteRange(h, count, &c.time[at], &c.v1[at], &c.v2[at], &c.v3[at], &c.status[at]),
                       "NavigationSeqWriteRange");
-                check(NavigationEndSeqWriteLineSegment(h, 0), "NavigationEndSeqWriteLineSegment");
+                require(NavigationEndSeqWriteLineSegment(h, 0), "NavigationEndSeqWriteLineSegment");
             }
         }
-        check(family == Family::Gyro ? GyroEndSeqWriteSummary(h, 0) : NavigationEndSeqWriteSummary(h, 0),
+        require(family == Family::Gyro ? GyroEndSeqWriteSummary(h, 0) : NavigationEndSeqWriteSummary(h, 0),
               "EndSeqWriteSummary");
         break;
     case Family::ObservedDepths:
-        check(ObservedDepthsBgnSeqWriteSummary(h), "ObservedDepthsBgnSeqWriteSummary");
-        check(ObservedDepthsBgnSeqWriteLineSegment(h, L"raw.dat"), "ObservedDepthsBgnSeqWriteLineSegment");
+        require(ObservedDepthsBgnSeqWriteSummary(h), "ObservedDepthsBgnSeqWriteSummary");
+        require(ObservedDepthsBgnSeqWriteLineSegment(h, L"raw.dat"), "ObservedDepthsBgnSeqWriteLineSegment");
         for (std::size_t p = 0, at = 0; p < c.pingTime.size(); ++p, at += kBeamsPerProfile) {
-            check(ObservedDepthsBgnSeqWriteProfile(h, kBeamsPerProfile, 1, c.pingTime[p], 0.01, -0.02,
+            require(ObservedDepthsBgnSeqWriteProfile(h, kBeamsPerProfile, 1, c.pingTime[p], 0.01, -0.02,
                                                    c.profileStatus[p]),
                   "ObservedDepthsBgnSeqWriteProfile");
-            check(ObservedDepthsSeqWriteBeams(h, kBeamsPerProfile, &c.time[at], &c.v1[at], &c.v2[at], &c.v3[at],
+            require(ObservedDepthsSeqWriteBeams(h, kBeamsPerProfile, &c.time[at], &c.v1[at], &c.v2[at], &c.v3[at],
                                               &c.status[at]),
                   "ObservedDepthsSeqWriteBeams");
-            check(ObservedDepthsEndSeqWriteProfile(h), "ObservedDepthsEndSeqWriteProfile");
+            require(ObservedDepthsEndSeqWriteProfile(h), "ObservedDepthsEndSeqWriteProfile");
         }
-        check(ObservedDepthsEndSeqWriteLineSegment(h, 0), "ObservedDepthsEndSeqWriteLineSegment");
-        check(ObservedDepthsEndSeqWriteSummary(h, 0), "ObservedDepthsEndSeqWriteSummary");
+        require(ObservedDepthsEndSeqWriteLineSegment(h, 0), "ObservedDepthsEndSeqWriteLineSegment");
+        require(ObservedDepthsEndSeqWriteSummary(h, 0), "ObservedDepthsEndSeqWriteSummary");
         break;
     case Family::TPE:
-        check(TPEBgnSeqWriteSummary(h), "TPEBgnSeqWriteSummary");
-        check(TPEBgnSeqWriteLineSegment(h, L"raw.dat"), "TPEBgnSeqWriteLineSegment");
+        require(TPEBgnSeqWriteSummary(h), "TPEBgnSeqWriteSummary");
+        require(TPEBgnSeqWriteLineSegment(h, L"raw.dat"), "TPEBgnSeqWriteLineSegment");
         for (std::size_t p = 0, at = 0; p < c.pingTime.size(); ++p, at += kBeamsPerProfile) {
-            check(TPEBgnSeqWriteProfile(h, kBeamsPerProfile, 1, c.pingTime[p], 7, c.profileStatus[p]),
+            require(TPEBgnSeqWriteProfile(h, kBeamsPerProfile, 1, c.pingTime[p], 7, c.profileStatus[p]),
                   "TPEBgnSeqWriteProfile");
-            check(TPESeqWriteBeams(h, kBeamsPerProfile, &c.time[at], &c.v1[at], &c.v2[at], &c.status[at]),
+            require(TPESeqWriteBeams(h, kBeamsPerProfile, &c.time[at], &c.v1[at], &c.v2[at], &c.status[at]),
                   "TPESeqWriteBeams");
-            check(TPEEndSeqWriteProfile(h), "TPEEndSeqWriteProfile");
+            require(TPEEndSeqWriteProfile(h), "TPEEndSeqWriteProfile");
         }
-        check(TPEEndSeqWriteLineSegment(h, 0), "TPEEndSeqWriteLineSegment");
-        check(TPEEndSeqWriteSummary(h, 0), "TPEEndSeqWriteSummary");
+        require(TPEEndSeqWriteLineSegment(h, 0), "TPEEndSeqWriteLineSegment");
+        require(TPEEndSeqWriteSummary(h, 0), "TPEEndSeqWriteSummary");
         break;
     }
-    check(closeLine(family, h), "Close");
+    require(closeLine(family, h), "Close");
 }
 
 // The raw limit's encoding of the arrays: scale, round and swap into one buffer.

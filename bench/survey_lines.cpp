@@ -17,75 +17,72 @@
 namespace velmio::bench {
 
 namespace {
-// A new segment every million records, as a logger starting a new raw file.
-constexpr std::size_t kSegmentRecords = 1000000;
-
-void check(int rc, const char *what) {
-    if (rc != 0) throw std::runtime_error(std::string(what) + " failed: " + std::to_string(rc));
-}
-
 // One ping of a profile family; beams spread over a few milliseconds.
 double beamTime(std::size_t profile, std::size_t beam) { return recordTime(profile) + beam * 1e-5; }
 
 void writeGyro(TOVO_Sensor *h, std::size_t records) {
-    check(GyroBgnSeqWriteSummary(h), "GyroBgnSeqWriteSummary");
+    require(GyroBgnSeqWriteSummary(h), "GyroBgnSeqWriteSummary");
     for (std::size_t i = 0; i < records; ++i) {
         if (i % kSegmentRecords == 0) {
-            if (i) check(GyroEndSeqWriteLineSegment(h, 0), "GyroEndSeqWriteLineSegment");
-            check(GyroBgnSeqWriteLineSegment(h, L"raw.dat"), "GyroBgnSeqWriteLineSegment");
+            if (i) require(GyroEndSeqWriteLineSegment(h, 0), "GyroEndSeqWriteLineSegment");
+            require(GyroBgnSeqWriteLineSegment(h, L"raw.dat"), "GyroBgnSeqWriteLineSegment");
         }
-        check(GyroSeqWrite(h, recordTime(i), recordValue(i), recordStatus(i)), "GyroSeqWrite");
+        require(GyroSeqWrite(h, recordTime(i), recordValue(i), recordStatus(i)), "GyroSeqWrite");
     }
-    check(GyroEndSeqWriteLineSegment(h, 0), "GyroEndSeqWriteLineSegment");
-    check(GyroEndSeqWriteSummary(h, 0), "GyroEndSeqWriteSummary");
+    require(GyroEndSeqWriteLineSegment(h, 0), "GyroEndSeqWriteLineSegment");
+    require(GyroEndSeqWriteSummary(h, 0), "GyroEndSeqWriteSummary");
 }
 
 void writeNavigation(TOVO_Sensor *h, std::size_t records) {
-    check(NavigationBgnSeqWriteSummary(h, 1), "NavigationBgnSeqWriteSummary");
+    require(NavigationBgnSeqWriteSummary(h, 1), "NavigationBgnSeqWriteSummary");
     for (std::size_t i = 0; i < records; ++i) {
         if (i % kSegmentRecords == 0) {
-            if (i) check(NavigationEndSeqWriteLineSegment(h, 0), "NavigationEndSeqWriteLineSegment");
-            check(NavigationBgnSeqWriteLineSegment(h, L"raw.dat"), "NavigationBgnSeqWriteLineSegment");
+            if (i) require(NavigationEndSeqWriteLineSegment(h, 0), "NavigationEndSeqWriteLineSegment");
+            require(NavigationBgnSeqWriteLineSegment(h, L"raw.dat"), "NavigationBgnSeqWriteLineSegment");
         }
         const double drift = static_cast<double>(i) * 1e-9;
-        check(NavigationSeqWrite(h, recordTime(i), 0.9 + drift, 0.05 + drift, recordValue(i), recordStatus(i)),
+        require(NavigationSeqWrite(h, recordTime(i), 0.9 + drift, 0.05 + drift, recordValue(i), recordStatus(i)),
               "NavigationSeqWrite");
     }
-    check(NavigationEndSeqWriteLineSegment(h, 0), "NavigationEndSeqWriteLineSegment");
-    check(NavigationEndSeqWriteSummary(h, 0), "NavigationEndSeqWriteSummary");
+    require(NavigationEndSeqWriteLineSegment(h, 0), "NavigationEndSeqWriteLineSegment");
+    require(NavigationEndSeqWriteSummary(h, 0), "NavigationEndSeqWriteSummary");
 }
 
 void writeObservedDepths(TOVO_Sensor *h, std::size_t profiles) {
-    check(ObservedDepthsBgnSeqWriteSummary(h), "ObservedDepthsBgnSeqWriteSummary");
-    check(ObservedDepthsBgnSeqWriteLineSegment(h, L"raw.dat"), "ObservedDepthsBgnSeqWriteLineSegment");
+    require(ObservedDepthsBgnSeqWriteSummary(h), "ObservedDepthsBgnSeqWriteSummary");
+    require(ObservedDepthsBgnSeqWriteLineSegment(h, L"raw.dat"), "ObservedDepthsBgnSeqWriteLineSegment");
     for (std::size_t p = 0; p < profiles; ++p) {
-        check(ObservedDepthsBgnSeqWriteProfile(h, kBeamsPerProfile, 1, recordTime(p), 0.01, -0.02, recordStatus(p)),
+        require(ObservedDepthsBgnSeqWriteProfile(h, kBeamsPerProfile, 1, recordTime(p), 0.01, -0.02, recordStatus(p)),
               "ObservedDepthsBgnSeqWriteProfile");
         for (std::size_t b = 0; b < kBeamsPerProfile; ++b)
-            check(ObservedDepthsSeqWrite(h, beamTime(p, b), b * 0.5, -(b * 0.25), 20.0 + recordValue(b), 0, 0,
+            require(ObservedDepthsSeqWrite(h, beamTime(p, b), b * 0.5, -(b * 0.25), 20.0 + recordValue(b), 0, 0,
                                          recordStatus(b) << 16),
                   "ObservedDepthsSeqWrite");
-        check(ObservedDepthsEndSeqWriteProfile(h), "ObservedDepthsEndSeqWriteProfile");
+        require(ObservedDepthsEndSeqWriteProfile(h), "ObservedDepthsEndSeqWriteProfile");
     }
-    check(ObservedDepthsEndSeqWriteLineSegment(h, 0), "ObservedDepthsEndSeqWriteLineSegment");
-    check(ObservedDepthsEndSeqWriteSummary(h, 0), "ObservedDepthsEndSeqWriteSummary");
+    require(ObservedDepthsEndSeqWriteLineSegment(h, 0), "ObservedDepthsEndSeqWriteLineSegment");
+    require(ObservedDepthsEndSeqWriteSummary(h, 0), "ObservedDepthsEndSeqWriteSummary");
 }
 
 void writeTPE(TOVO_Sensor *h, std::size_t profiles) {
-    check(TPEBgnSeqWriteSummary(h), "TPEBgnSeqWriteSummary");
-    check(TPEBgnSeqWriteLineSegment(h, L"raw.dat"), "TPEBgnSeqWriteLineSegment");
+    require(TPEBgnSeqWriteSummary(h), "TPEBgnSeqWriteSummary");
+    require(TPEBgnSeqWriteLineSegment(h, L"raw.dat"), "TPEBgnSeqWriteLineSegment");
     for (std::size_t p = 0; p < profiles; ++p) {
-        check(TPEBgnSeqWriteProfile(h, kBeamsPerProfile, 1, recordTime(p), 7, recordStatus(p)),
+        require(TPEBgnSeqWriteProfile(h, kBeamsPerProfile, 1, recordTime(p), 7, recordStatus(p)),
               "TPEBgnSeqWriteProfile");
         for (std::size_t b = 0; b < kBeamsPerProfile; ++b)
-            check(TPESeqWrite(h, beamTime(p, b), 0.1 + b * 0.001, 0.2 + b * 0.002, recordStatus(b) << 16),
+            require(TPESeqWrite(h, beamTime(p, b), 0.1 + b * 0.001, 0.2 + b * 0.002, recordStatus(b) << 16),
                   "TPESeqWrite");
-        check(TPEEndSeqWriteProfile(h), "TPEEndSeqWriteProfile");
+        require(TPEEndSeqWriteProfile(h), "TPEEndSeqWriteProfile");
     }
-    check(TPEEndSeqWriteLineSegment(h, 0), "TPEEndSeqWriteLineSegment");
-    check(TPEEndSeqWriteSummary(h, 0), "TPEEndSeqWriteSummary");
+    require(TPEEndSeqWriteLineSegment(h, 0), "TPEEndSeqWriteLineSegment");
+    require(TPEEndSeqWriteSummary(h, 0), "TPEEndSeqWriteSummary");
 }
 }  // namespace
+
+void require(int rc, const char *what) {
+    if (rc != 0) throw std::runtime_error(std::string(what) + " failed: " + std::to_string(rc));
+}
 
 const Layout &layoutOf(Family family) {
     static const Layout layouts[] = {
@@ -171,7 +168,7 @@ void writeLine(Family family, const std::wstring &directory, std::size_t records
     case Family::ObservedDepths: writeObservedDepths(h, profilesFor(family, records)); break;
     case Family::TPE: writeTPE(h, profilesFor(family, records)); break;
     }
-    check(closeLine(family, h), "Close");
+    require(closeLine(family, h), "Close");
 }
 
 void addForLines(const std::string &name, void (*run)(benchmark::State &), bool cached) {

@@ -19,6 +19,8 @@ enum class Family { Gyro, Navigation, ObservedDepths, TPE };
 // Beams per ping of the profile families: a multibeam's swath.
 constexpr std::size_t kBeamsPerProfile = 512;
 constexpr std::size_t kSmallLine = 10000;
+// A new line segment every million records, as a logger starting a new raw file.
+constexpr std::size_t kSegmentRecords = 1000000;
 constexpr std::size_t kLargeLine = 10000000;
 
 // Where records lie in a data file; profile families have a header per ping
@@ -63,6 +65,9 @@ const Line &line(Family family, std::size_t records);
 TOVO_Sensor *openLine(Family family, const std::wstring &directory, const wchar_t *mode,
                       const char *cacheSize = nullptr);
 int closeLine(Family family, TOVO_Sensor *handle);
+
+// Throws when a call the benchmarks rely on fails: a run without its data measures nothing.
+void require(int rc, const char *what);
 
 // Registers a benchmark taking (records, cache) for both line sizes; cached
 // adds the runs with VelmIOCacheSize set, named name + "+cache".
