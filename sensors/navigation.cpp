@@ -190,7 +190,7 @@ bool modeAllows(const TOVO_Sensor &h, Needs needs) {
     switch (needs) {
     case Needs::Any: return true;
     case Needs::ReadOrUpdate: return !isCreate(h);
-    case Needs::Query: return h.accessMode == TOVO_ACCESS_QUERY;
+    case Needs::Query: return h.accessMode == VELMIO_ACCESS_QUERY;
     case Needs::Create: return isCreate(h);
     case Needs::Update: return isUpdate(h);
     }

@@ -45,8 +45,8 @@ ProfileState *ownState(TOVO_Sensor &h, const ProfileFamily &f) {
 
 bool modeAllowed(const TOVO_Sensor &h, unsigned modes) {
     switch (h.accessMode) {
-    case TOVO_ACCESS_QUERY: return (modes & kQueryMode) != 0;
-    case TOVO_ACCESS_UPDATE: return (modes & kUpdateMode) != 0;
+    case VELMIO_ACCESS_QUERY: return (modes & kQueryMode) != 0;
+    case VELMIO_ACCESS_UPDATE: return (modes & kUpdateMode) != 0;
     default: return (modes & kCreateMode) != 0;  // every other mode writes, as the open did
     }
 }
@@ -142,7 +142,7 @@ int closeProfileSensor(TOVO_Sensor *h, const ProfileFamily &f, bool saveDirtySta
     auto keep = [&](int rc) {
         if (rc && !first) first = rc;
     };
-    const bool creating = h->accessMode != TOVO_ACCESS_QUERY && h->accessMode != TOVO_ACCESS_UPDATE;
+    const bool creating = h->accessMode != VELMIO_ACCESS_QUERY && h->accessMode != VELMIO_ACCESS_UPDATE;
     try {
         if (s && creating && h->recordCount > 0) {
             keep(writeSummary(*h, *s));
@@ -151,7 +151,7 @@ int closeProfileSensor(TOVO_Sensor *h, const ProfileFamily &f, bool saveDirtySta
                 const int rc = h->timeIndex.write(h->timeIndexPath.c_str(), h->typeId, h->formatVersion);
                 if (rc) keep(f.timeIndexWriteCode ? f.timeIndexWriteCode : rc);
             }
-        } else if (s && saveDirtyStatus && h->accessMode == TOVO_ACCESS_UPDATE && s->statusDirty) {
+        } else if (s && saveDirtyStatus && h->accessMode == VELMIO_ACCESS_UPDATE && s->statusDirty) {
             keep(writeSummary(*h, *s));
             if (!first) keep(writeLineSegmentFile(*h, f.segments));
         }

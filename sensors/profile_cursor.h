@@ -134,7 +134,7 @@ int enterProfile(TOVO_Sensor *h, const ProfileFamily &f, unsigned modes, Profile
 
 // True for a handle that writes a new file: create, or an unknown token.
 inline bool isWriting(const TOVO_Sensor &h) {
-    return h.accessMode != TOVO_ACCESS_QUERY && h.accessMode != TOVO_ACCESS_UPDATE;
+    return h.accessMode != VELMIO_ACCESS_QUERY && h.accessMode != VELMIO_ACCESS_UPDATE;
 }
 
 // Opens through SensorOpenDir with openId and builds the handle: create mode

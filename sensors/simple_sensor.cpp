@@ -104,13 +104,13 @@ extern "C" VELMIO_API TOVO_Sensor *SimpleSensorOpen(const wchar_t *lineDirectory
         rc = kUnknownType;
         return nullptr;
     }
-    if (encodingKind != SIMPLE_SENSOR_METRES && encodingKind != SIMPLE_SENSOR_RADIANS) {
+    if (encodingKind != VELMIO_SIMPLE_SENSOR_METRES && encodingKind != VELMIO_SIMPLE_SENSOR_RADIANS) {
         rc = kMissingOutput;
         return nullptr;
     }
     TOVO_Sensor *h = SensorOpenDir(lineDirectory, typeId, accessToken, &rc);
     if (!h) return nullptr;
-    if (encodingKind == SIMPLE_SENSOR_RADIANS) {
+    if (encodingKind == VELMIO_SIMPLE_SENSOR_RADIANS) {
         h->encodeValue = TOVO_EncodeRadians;
         h->decodeValue = TOVO_DecodeRadians;
     } else {
@@ -199,7 +199,7 @@ extern "C" VELMIO_API int SimpleSensorReadRange(TOVO_Sensor *h, unsigned int fir
 extern "C" VELMIO_API int SimpleSensorReadSeq(TOVO_Sensor *h, double *time, double *value, unsigned int *status) {
     SimpleSensorState *s = nullptr;
     if (int rc = check(h, s)) return rc;
-    if (h->accessMode != TOVO_ACCESS_QUERY) return kSimple.code(kWrongMode);
+    if (h->accessMode != VELMIO_ACCESS_QUERY) return kSimple.code(kWrongMode);
     if (!status) return kMissingOutput;
     if (int rc = readNextRecord(*h, *s)) return rc;
     return decodeRecord(*h, time, value, status);

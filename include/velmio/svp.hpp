@@ -25,6 +25,7 @@
 #include <velmio/morva_string.hpp>
 
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -111,9 +112,9 @@ public:
     double GetEpsilon() const;
 
     // The head of the section list (null when empty); owned by the model.
-    const SvpSections *GetSections() const { return sections_; }
+    const SvpSections *GetSections() const;
     // The system's text of the last writing failure ("" when none).
-    const wchar_t *GetErrorText() const { return errorText_.c_str(); }
+    const wchar_t *GetErrorText() const;
 
     // Format detection (see the classes below) and the reader for a file:
     // RAN Edf, else CHS, else RAN Dat, else native. status is 0, or
@@ -131,7 +132,7 @@ public:
     static double LLDGStringToDouble(const MORVAUString &text);
 
 protected:
-    const MORVAUString &FileName() const { return fileName_; }
+    const MORVAUString &FileName() const;
     // Appends a live section or value (may throw std::bad_alloc). after is
     // the last value of the section when known, else the list is walked.
     SvpSections *AppendSection(double time, const MORVAUString &latitude, const MORVAUString &longitude);
@@ -148,11 +149,10 @@ private:
     SvpValue *FindValue(const SvpSections *section, double depth) const;
     void CopyFrom(const SvpFile &other);
 
-    MORVAUString errorText_;
-    MORVAUString fileName_;
-    SvpSections *sections_ = nullptr;
-    double epsilon_ = kDefaultEpsilon;
-    SvpSections *tail_ = nullptr;  // sections are only ever appended
+    // The state lives in the library, so that it can change without breaking
+    // programs built against an earlier version.
+    struct Impl;
+    std::unique_ptr<Impl> d_;
 };
 
 // The native format. Version 2, as written:
