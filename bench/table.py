@@ -70,7 +70,7 @@ def rows(benchmarks):
         family = parts[1] if len(parts) > 1 and ':' not in parts[1] and not parts[1].endswith('_time') else ''
         if 'records' in fields:
             unit = 'beams' if family.split('+')[0] in PROFILE_FAMILIES else 'records'
-            line = '%s, %s %s' % (family.replace('+cache', ' with VelmIOCacheSize'), size(int(fields['records'])),
+            line = '%s, %s %s' % (family.replace('+cache', ' with VelmIOCacheSize=64'), size(int(fields['records'])),
                                   unit)
         else:
             unit, line = 'records', family
