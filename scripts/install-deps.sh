@@ -10,6 +10,7 @@ if [ "${1:-}" = "--checks" ]; then
 fi
 packages+=(python3-dev python3-numpy pybind11-dev python3-pytest python3-hypothesis python3-xarray python3-dask python3-distributed python3-pandas python3-matplotlib)  # the Python package
 packages+=(libgdal-dev)  # velmio export writes GIS formats through GDAL/OGR
+packages+=(libproj-dev)  # the projection benchmarks compare with PROJ
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
