@@ -1,5 +1,6 @@
 /* Writes one gyro record to a new survey line through the flat interface. */
 #include <velmio/velmio.h>
+#include <locale.h>
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -12,7 +13,11 @@ int main(int argc, char **argv) {
     TmUTCs80toYDS(t, &year, &day, &seconds);
     printf("%04d-%03d %.0f\n", year, day, seconds);
 
-    if (argc > 1 && mbstowcs(given, argv[1], 512) < 512) line = given;   /* another line directory */
+    if (argc > 1) {   /* another line directory, in the caller's character set */
+        setlocale(LC_CTYPE, "");
+        if (mbstowcs(given, argv[1], 512) >= 512) return 1;
+        line = given;
+    }
     if (LineCreateHierarchy(line) != 0) return 1;
     TOVO_Sensor *gyro = GyroOpenDir(line, L"create", &error);
     if (!gyro) { printf("open failed: %d\n", error); return 1; }

@@ -9,6 +9,12 @@
 
 #include <algorithm>
 
+struct VELMVesselShape::Impl {
+    std::vector<Coord> plan_;
+    std::vector<Coord> profile_;
+    double length_ = 0.0, width_ = 0.0, height_ = 0.0;
+};
+
 namespace velmio::vessel {
 
 struct Tables {
@@ -239,9 +245,9 @@ struct Tables {
         };
     }
 
-    static const Table<VELMVesselShape> &shape() {
-        using S = VELMVesselShape;
-        using P = S::Coord;
+    static const Table<VELMVesselShape::Impl> &shape() {
+        using S = VELMVesselShape::Impl;
+        using P = VELMVesselShape::Coord;
         static const Table<P> planRow = {F<P>{"", "X", &P::first}, F<P>{"", "Y", &P::second}};
         static const Table<P> profileRow = {F<P>{"", "Y", &P::first}, F<P>{"", "Z", &P::second}};
         static const Table<S> t = {
@@ -342,13 +348,37 @@ VELMIO_TABLE_ENTRY(VELMTPEConfig, Tables::tpe(), true)
 
 int VELMVesselShape::load(xmlNode *shapeElement) {
     if (!shapeElement) return -1;
-    plan_.clear();
-    profile_.clear();
-    velmio::vessel::loadItems(*this, shapeElement, Tables::shape());
+    d_->plan_.clear();
+    d_->profile_.clear();
+    velmio::vessel::loadItems(*d_, shapeElement, Tables::shape());
     return 0;
 }
 
 int VELMVesselShape::store(xmlNode *shapeElement) const {
     if (!shapeElement) return -1;
-    return velmio::vessel::storeItems(*this, shapeElement, Tables::shape(), true);
+    return velmio::vessel::storeItems(*d_, shapeElement, Tables::shape(), true);
+}
+
+VELMVesselShape::VELMVesselShape() : d_(new Impl) {}
+VELMVesselShape::VELMVesselShape(const VELMVesselShape &other) : d_(new Impl(*other.d_)) {}
+VELMVesselShape::~VELMVesselShape() = default;
+
+VELMVesselShape &VELMVesselShape::operator=(const VELMVesselShape &other) {
+    *d_ = *other.d_;
+    return *this;
+}
+
+void VELMVesselShape::addPlanViewCoord(double x, double y) { d_->plan_.emplace_back(x, y); }
+void VELMVesselShape::addProfileViewCoord(double y, double z) { d_->profile_.emplace_back(y, z); }
+void VELMVesselShape::clearPlanViewCoords() { d_->plan_.clear(); }
+void VELMVesselShape::clearProfileViewCoords() { d_->profile_.clear(); }
+const std::vector<VELMVesselShape::Coord> &VELMVesselShape::getPlanViewCoords() const { return d_->plan_; }
+const std::vector<VELMVesselShape::Coord> &VELMVesselShape::getProfileViewCoords() const { return d_->profile_; }
+
+void VELMVesselShape::setRP(double length, double width, double height) {
+    d_->length_ = length, d_->width_ = width, d_->height_ = height;
+}
+
+void VELMVesselShape::getRP(double &length, double &width, double &height) const {
+    length = d_->length_, width = d_->width_, height = d_->height_;
 }

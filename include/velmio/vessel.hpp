@@ -76,16 +76,18 @@ private:
 class VELMIO_API VELMVesselShape {
 public:
     using Coord = std::pair<double, double>;
-    void addPlanViewCoord(double x, double y) { plan_.emplace_back(x, y); }
-    void addProfileViewCoord(double y, double z) { profile_.emplace_back(y, z); }
-    void clearPlanViewCoords() { plan_.clear(); }
-    void clearProfileViewCoords() { profile_.clear(); }
-    const std::vector<Coord> &getPlanViewCoords() const { return plan_; }
-    const std::vector<Coord> &getProfileViewCoords() const { return profile_; }
-    void setRP(double length, double width, double height) { length_ = length, width_ = width, height_ = height; }
-    void getRP(double &length, double &width, double &height) const {
-        length = length_, width = width_, height = height_;
-    }
+    VELMVesselShape();
+    VELMVesselShape(const VELMVesselShape &other);
+    VELMVesselShape &operator=(const VELMVesselShape &other);
+    ~VELMVesselShape();
+    void addPlanViewCoord(double x, double y);
+    void addProfileViewCoord(double y, double z);
+    void clearPlanViewCoords();
+    void clearProfileViewCoords();
+    const std::vector<Coord> &getPlanViewCoords() const;
+    const std::vector<Coord> &getProfileViewCoords() const;
+    void setRP(double length, double width, double height);
+    void getRP(double &length, double &width, double &height) const;
     // From and to the "VesselShape" element ("PlanCoordinates",
     // "ProfileCoordinates" with one "Entry" per point, "RP"). Stored points
     // replace those the element held. 0, or -1 when an element cannot be made.
@@ -94,9 +96,8 @@ public:
 
 private:
     friend struct velmio::vessel::Tables;
-    std::vector<Coord> plan_;
-    std::vector<Coord> profile_;
-    double length_ = 0.0, width_ = 0.0, height_ = 0.0;
+    struct Impl;
+    std::unique_ptr<Impl> d_;
 };
 
 // "MetaData" and "EditHistory" are accepted on reading and hold nothing.

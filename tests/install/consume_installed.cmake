@@ -33,13 +33,21 @@ if(count LESS 2)
   message(FATAL_ERROR "no examples in ${EXAMPLES}")
 endif()
 
-# Runs every example program of a folder in a line directory of its own.
+# Runs every example program of a folder in a directory of its own.
 function(run_examples dir how)
   foreach(src IN LISTS sources)
     get_filename_component(name ${src} NAME_WE)
     set(data ${WORK}/${how}-${name})
     file(MAKE_DIRECTORY ${data})
-    run("${how} example ${name}" ${dir}/example_${name} ${data})
+    set(target ${data})
+    if(name STREQUAL "write_gyro")
+      set(target ${data}/Project/Vessel/2004-123/Line1)  # a line directory is DataRoot/Project/Vessel/Day/Line
+    endif()
+    run("${how} example ${name}" ${dir}/example_${name} ${target})
+    file(GLOB_RECURSE written ${data}/*)
+    if(name MATCHES "^(write_gyro|data_file)$" AND NOT written)
+      message(FATAL_ERROR "${how} example ${name} wrote nothing into ${data}")
+    endif()
     if(name STREQUAL "data_file")
       string(FIND "${output}" "5000046: The sensor's data file was not found" said)
       string(FIND "${output}" "messages from ${bundle}\n" where)
