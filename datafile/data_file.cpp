@@ -10,6 +10,7 @@
 #include "foundation/utf8.h"
 #include "linestore/time_index.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 #include "platform/system_error.h"
 
 #include <cerrno>
@@ -78,7 +79,7 @@ VELMDataFile::VELMDataFile(const MORVAUString &directory, const MORVAUString &fi
     rc = velmio::platform::reportOpenFailure(velmio::printable(d_->dataPath_.c_str()), openErrno, codes, true, rc);
     if (rc == 0 && access != ACCESS_CREATE) rc = TmIdxRead();
     if (access != ACCESS_CREATE && d_->indexFile_) {
-        std::fclose(d_->indexFile_);
+        velmio::platform::closeFile(d_->indexFile_);
         d_->indexFile_ = nullptr;
     }
     status = rc;
@@ -138,7 +139,7 @@ void VELMDataFile::copyFrom(const VELMDataFile &other) {
     d_->dataFile_ = nullptr;
     d_->fileSize_ = 0;
     if (other.d_->dataFile_) {
-        std::fflush(other.d_->dataFile_);
+        velmio::platform::flushFile(other.d_->dataFile_);
         d_->dataFile_ = velmio::platform::openFile(d_->dataPath_.c_str(), "rb");
         if (d_->dataFile_) {
             std::int64_t size = velmio::platform::fileSize(d_->dataFile_);
@@ -163,33 +164,47 @@ void VELMDataFile::copyFrom(const VELMDataFile &other) {
             if (d_->index_->append(set->entries[i].encodedTime, set->entries[i].byteOffset) != 0) return;
 }
 
-void VELMDataFile::finish() {
+int VELMDataFile::Close() { return finish(); }
+
+int VELMDataFile::finish() {
+    int rc = 0;
+    const auto keep = [&rc](int status) {
+        if (rc == 0) rc = status;
+    };
     if (d_->accessType_ == ACCESS_CREATE) {
         if (d_->numberOfRecords_ > 0 && d_->dataFile_) {
-            if (d_->indexFile_) TmIdxWrite();
-            UpdateSummary();
+            if (d_->indexFile_) keep(TmIdxWrite());
+            keep(UpdateSummary());
+            // A file that was created is on the disk once its handle is gone.
+            if (velmio::platform::syncFile(d_->dataFile_) != 0) keep(kCannotWrite);
+            if (d_->indexFile_ && velmio::platform::syncFile(d_->indexFile_) != 0) keep(velmio::kTmIdxWriteFailed);
         }
-        closeFiles();
+        keep(closeFiles());
         // A file without records is no file: leave nothing behind.
         if (d_->numberOfRecords_ == 0) {
             if (d_->createdData_) velmio::platform::removeFile(d_->dataPath_.c_str());
             if (d_->createdIndex_) velmio::platform::removeFile(d_->indexPath_.c_str());
         }
     } else {
-        if (d_->accessType_ == ACCESS_UPDATE && d_->summaryDirty_) UpdateSummary();
-        closeFiles();
+        if (d_->accessType_ == ACCESS_UPDATE && d_->summaryDirty_) keep(UpdateSummary());
+        keep(closeFiles());
     }
     d_->createdData_ = d_->createdIndex_ = false;
     for (std::size_t i = 0; i < d_->summaryValues_.size(); ++i) FreeValue(d_->summaryAttributes_[i].type, d_->summaryValues_[i]);
     for (std::size_t i = 0; i < d_->currentValues_.size(); ++i) FreeValue(d_->dataAttributes_[i].type, d_->currentValues_[i]);
     TmIdxSetFree();
     d_->numberOfRecords_ = 0;
+    // Closed for good: a second Close or the destructor has nothing to do.
+    d_->accessType_ = ACCESS_READ;
+    return rc;
 }
 
-void VELMDataFile::closeFiles() {
-    if (d_->dataFile_) std::fclose(d_->dataFile_);
-    if (d_->indexFile_) std::fclose(d_->indexFile_);
+int VELMDataFile::closeFiles() {
+    int rc = 0;
+    if (d_->dataFile_ && velmio::platform::closeFile(d_->dataFile_) != 0) rc = kCannotWrite;
+    if (d_->indexFile_ && velmio::platform::closeFile(d_->indexFile_) != 0 && rc == 0) rc = velmio::kTmIdxWriteFailed;
     d_->dataFile_ = d_->indexFile_ = nullptr;
+    return rc;
 }
 
 // ---- validation record ----
@@ -202,7 +217,7 @@ int VELMDataFile::TOVO_WriteDataValidationRecord() {
     unsigned int units[4] = {kMagic, d_->typeWord_, kDataRecordKind, d_->fileVersion_};
     for (unsigned int &u : units)
         if (!xdr_u_int(&x, &u)) return kValidationNotWritten;
-    if (std::fseek(d_->dataFile_, 0, SEEK_SET) != 0 || std::fwrite(buffer, 4, 4, d_->dataFile_) != 4)
+    if (velmio::platform::seekFile(d_->dataFile_, 0, SEEK_SET) != 0 || velmio::platform::writeFile(buffer, 4, 4, d_->dataFile_) != 4)
         return kValidationNotWritten;
     return 0;
 }
@@ -210,7 +225,7 @@ int VELMDataFile::TOVO_WriteDataValidationRecord() {
 int VELMDataFile::TOVO_ReadDataValidationRecord() {
     if (!d_->dataFile_) return kValidationMismatch;
     char buffer[16];
-    if (std::fseek(d_->dataFile_, 0, SEEK_SET) != 0 || std::fread(buffer, 4, 4, d_->dataFile_) != 4)
+    if (velmio::platform::seekFile(d_->dataFile_, 0, SEEK_SET) != 0 || velmio::platform::readFile(buffer, 4, 4, d_->dataFile_) != 4)
         return kValidationMismatch;
     XDR x;
     xdrmem_create(&x, buffer, sizeof buffer, XDR_DECODE);
@@ -295,7 +310,7 @@ int VELMDataFile::WriteSummary() {
         u = xdr_getpos(&x);
         ok = ok && u == size && xdr_setpos(&x, 0) && xdr_u_int(&x, &u);
         if (!ok) return kCannotWrite;
-        if (std::fseek(d_->dataFile_, 16, SEEK_SET) != 0 || std::fwrite(buffer.data(), buffer.size(), 1, d_->dataFile_) != 1)
+        if (velmio::platform::seekFile(d_->dataFile_, 16, SEEK_SET) != 0 || velmio::platform::writeFile(buffer.data(), buffer.size(), 1, d_->dataFile_) != 1)
             return kCannotWrite;
         d_->summaryRecordSize_ = u;
         d_->summaryWritten_ = true;
@@ -325,7 +340,7 @@ int VELMDataFile::ReadSummary() {
     };
     try {
         char sizeBytes[4];
-        if (std::fseek(d_->dataFile_, 16, SEEK_SET) != 0 || std::fread(sizeBytes, 4, 1, d_->dataFile_) != 1)
+        if (velmio::platform::seekFile(d_->dataFile_, 16, SEEK_SET) != 0 || velmio::platform::readFile(sizeBytes, 4, 1, d_->dataFile_) != 1)
             return corrupt("no summary");
         XDR x;
         xdrmem_create(&x, sizeBytes, 4, XDR_DECODE);
@@ -335,7 +350,7 @@ int VELMDataFile::ReadSummary() {
             return corrupt("summary length out of bounds");
         std::vector<char> buffer(size);
         std::memcpy(buffer.data(), sizeBytes, 4);
-        if (size > 4 && std::fread(buffer.data() + 4, size - 4, 1, d_->dataFile_) != 1) return corrupt("short summary");
+        if (size > 4 && velmio::platform::readFile(buffer.data() + 4, size - 4, 1, d_->dataFile_) != 1) return corrupt("short summary");
 
         xdrmem_create(&x, buffer.data(), size, XDR_DECODE);
         unsigned int u, dataVersion = d_->dataVersion_, status, records, dataRecordSize;
@@ -459,11 +474,11 @@ int VELMDataFile::UpdateSummary() {
         xdrmem_create(&x, unit, 4, XDR_ENCODE);
         unsigned int v = f.value;
         xdr_u_int(&x, &v);
-        if (std::fseek(d_->dataFile_, 16 + static_cast<long>(f.position), SEEK_SET) != 0 ||
-            std::fwrite(unit, 4, 1, d_->dataFile_) != 1)
+        if (velmio::platform::seekFile(d_->dataFile_, 16 + static_cast<long>(f.position), SEEK_SET) != 0 ||
+            velmio::platform::writeFile(unit, 4, 1, d_->dataFile_) != 1)
             return kCannotWrite;
     }
-    if (std::fflush(d_->dataFile_) != 0) return kCannotWrite;
+    if (velmio::platform::flushFile(d_->dataFile_) != 0) return kCannotWrite;
     d_->summaryDirty_ = false;
     return 0;
 }
@@ -480,7 +495,7 @@ int VELMDataFile::TmIdxRead() {
 int VELMDataFile::TmIdxWrite() {
     if (!d_->indexFile_) return velmio::kTmIdxCannotOpen;
     int rc = d_->index_->writeTo(d_->indexFile_, d_->typeWord_, d_->fileVersion_);
-    if (rc == 0 && std::fflush(d_->indexFile_) != 0) rc = velmio::kTmIdxWriteFailed;
+    if (rc == 0 && velmio::platform::flushFile(d_->indexFile_) != 0) rc = velmio::kTmIdxWriteFailed;
     return rc;
 }
 

@@ -6,6 +6,7 @@
 #include "datafile/value_codec.h"
 #include "foundation/diagnostics.h"
 #include "linestore/time_index.h"
+#include "platform/stdio_file.h"
 
 #include <cstdlib>
 #include <new>
@@ -79,8 +80,8 @@ int VELMDataFile::WriteRecord(double time, unsigned int status, const std::vecto
     if (!ok || xdr_getpos(&x) != size) return kCannotWrite;
 
     const std::uint32_t offset = static_cast<std::uint32_t>(d_->endOfData_);
-    if ((d_->reposition_ && std::fseek(d_->dataFile_, static_cast<long>(offset), SEEK_SET) != 0) ||
-        std::fwrite(d_->recordBuffer_.data(), static_cast<std::size_t>(size), 1, d_->dataFile_) != 1) {
+    if ((d_->reposition_ && velmio::platform::seekFile(d_->dataFile_, static_cast<long>(offset), SEEK_SET) != 0) ||
+        velmio::platform::writeFile(d_->recordBuffer_.data(), static_cast<std::size_t>(size), 1, d_->dataFile_) != 1) {
         // The next record goes where this one should have gone.
         d_->reposition_ = true;
         velmio::say("VELMDataFile::WriteRecord(): could not write record %u of '%s'\n", d_->numberOfRecords_ + 1,
@@ -103,13 +104,13 @@ int VELMDataFile::WriteRecord(double time, unsigned int status, const std::vecto
 // it in a file without length words) into bytes.
 int VELMDataFile::readRecordBytes(unsigned int recordNumber, unsigned int offset, std::vector<char> &bytes) {
     if (d_->reposition_ || recordNumber != d_->currentRecord_ + 1) {
-        if (std::fseek(d_->dataFile_, static_cast<long>(offset), SEEK_SET) != 0) return kRecordUnreadable;
+        if (velmio::platform::seekFile(d_->dataFile_, static_cast<long>(offset), SEEK_SET) != 0) return kRecordUnreadable;
     }
     d_->reposition_ = true;
     std::uint64_t extent;
     if (d_->fileVersion_ == 2) {
         char unit[4];
-        if (std::fread(unit, 4, 1, d_->dataFile_) != 1) return kRecordUnreadable;
+        if (velmio::platform::readFile(unit, 4, 1, d_->dataFile_) != 1) return kRecordUnreadable;
         XDR x;
         xdrmem_create(&x, unit, 4, XDR_DECODE);
         unsigned int length;
@@ -129,7 +130,7 @@ int VELMDataFile::readRecordBytes(unsigned int recordNumber, unsigned int offset
     }
     if (extent > 0x7FFFFFFFu) return kRecordUnreadable;
     bytes.resize(static_cast<std::size_t>(extent));
-    if (extent > 0 && std::fread(bytes.data(), bytes.size(), 1, d_->dataFile_) != 1) return kRecordUnreadable;
+    if (extent > 0 && velmio::platform::readFile(bytes.data(), bytes.size(), 1, d_->dataFile_) != 1) return kRecordUnreadable;
     d_->reposition_ = false;
     return 0;
 }

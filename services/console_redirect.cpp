@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <string>
 
 #if defined(_WIN32)
@@ -59,6 +60,12 @@ struct Redirection {
 Redirection &state() {
     static Redirection redirection;
     return redirection;
+}
+
+// Start and Stop may come from any thread; one at a time changes the state.
+std::mutex &stateLock() {
+    static std::mutex lock;
+    return lock;
 }
 
 void flushStandardStreams() {
@@ -144,6 +151,7 @@ VELMIO_API int VELM_IO_StartDiagnostics(void) {
     const char *value = std::getenv("CONSOLE");
     if (!value || !*value || equalsIgnoringCase(value, "NO")) return 0;
     try {
+        std::lock_guard<std::mutex> guard(stateLock());
         if (equalsIgnoringCase(value, "YES") || equalsIgnoringCase(value, "CONSOLE")) {
             attachConsole();
             return 0;
@@ -155,6 +163,7 @@ VELMIO_API int VELM_IO_StartDiagnostics(void) {
 }
 
 VELMIO_API int VELM_IO_StopDiagnostics(void) {
+    std::lock_guard<std::mutex> guard(stateLock());
     Redirection &s = state();
     flushStandardStreams();
     restoreOriginals();

@@ -4,6 +4,7 @@
 
 #include "foundation/utf8.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 #include "platform/system_error.h"
 #include "svp/svp_text.h"
 
@@ -281,7 +282,7 @@ int SvpFile::ReplaceFile(const std::string &text) {
 namespace {
 struct FileCloser {
     void operator()(std::FILE *f) const {
-        if (f) std::fclose(f);
+        if (f) velmio::platform::closeFile(f);
     }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;

@@ -3,6 +3,7 @@
 #include <velmio/vessel_queries.h>
 
 #include "foundation/diagnostics.h"
+#include "platform/durable_replace.h"
 #include "platform/files.h"
 #include "vessel/xml_access.h"
 
@@ -10,6 +11,7 @@
 #include <libxml/tree.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cwchar>
 
 namespace {
@@ -229,13 +231,12 @@ int VELMVessel::store() {
     for (auto &list : d_->lists_)
         if (int status = list->store(root)) return status;
 
-    // Written beside the target first, so that a failed write leaves the
-    // previous file intact.
-    const std::wstring temporary = velmio::platform::temporarySibling(d_->fileName_.c_str());
-    if (temporary.empty()) return -1;
-    if (VELM::SaveXmlFile(d_->doc_, temporary.c_str()) < 0 ||
-        !velmio::platform::renameFile(temporary.c_str(), d_->fileName_.c_str())) {
-        velmio::platform::removeFile(temporary.c_str());
+    // Written beside the target and pushed to the disk first, so that a
+    // failed write or a crash leaves the previous file intact.
+    const int error = velmio::platform::replaceFileBySaving(d_->fileName_.str(), [&](const std::wstring &temporary) {
+        return VELM::SaveXmlFile(d_->doc_, temporary.c_str()) < 0 ? (errno != 0 ? errno : EIO) : 0;
+    });
+    if (error) {
         velmio::say("VELMVessel::store(): unable to write %s\n", velmio::printable(d_->fileName_.c_str()).c_str());
         return -1;
     }

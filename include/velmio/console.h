@@ -9,7 +9,7 @@
  *   Windows). Without a controlling terminal nothing changes;
  * - anything else is a file name: the file is created or truncated and
  *   standard output is written to it. A file of an earlier start is closed.
- * The state is process-wide; the library does not lock it (one caller). */
+ * The state is process-wide; calls from several threads take turns. */
 #ifndef VELMIO_CONSOLE_H
 #define VELMIO_CONSOLE_H
 

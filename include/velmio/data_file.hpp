@@ -182,6 +182,12 @@ public:
     // when the bytes cannot be written or the file would pass 4 GiB.
     virtual int WriteRecord(double time, unsigned int status, const std::vector<dataValue> &values,
                             const std::vector<int> &counts);
+    // Finishes the file and closes it: a created file gets its time index
+    // and summary and is pushed to the disk, an updated one its changed
+    // summary. 0, or the code of the first part that could not be written
+    // (5000040 the time index, 5000026 the data file); the files are closed
+    // either way. The destructor closes an open file the same way.
+    int Close();
     // Reads record recordNumber (from 1; -999 is the one after the current
     // record). values and counts are replaced, arrays freshly allocated for
     // the caller (free them before reusing the vectors). 5000064 out of
@@ -249,8 +255,8 @@ private:
                               std::vector<int> *outCounts);
 
     void copyFrom(const VELMDataFile &other);
-    void finish();
-    void closeFiles();
+    int finish();
+    int closeFiles();
     std::uint64_t recordSize(const std::vector<dataValue> &values, const std::vector<int> &counts) const;
     unsigned int fixedRecordSize() const;
     int summaryIndex(int index) const;
