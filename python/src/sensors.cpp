@@ -29,7 +29,7 @@ struct Family {
     int notEncodable;     // the family's code for a value it cannot store
 };
 
-constexpr int R = SIMPLE_SENSOR_RADIANS, M = SIMPLE_SENSOR_METRES;
+constexpr int R = VELMIO_SIMPLE_SENSOR_RADIANS, M = VELMIO_SIMPLE_SENSOR_METRES;
 const Family kFamilies[] = {
     {"Gyro", Shape::Records, 1, R, 5001222},          {"Heave", Shape::Records, 2, M, 5001222},
     {"Pitch", Shape::Records, 5, R, 5001222},         {"Roll", Shape::Records, 6, R, 5001222},
