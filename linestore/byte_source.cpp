@@ -33,11 +33,11 @@ bool MemorySource::writeAt(std::uint64_t offset, const void *in, std::size_t n) 
     return true;
 }
 
-const unsigned char *ReadWindow::at(ByteSource &source, std::uint64_t offset, std::size_t n, std::size_t ahead) {
-    if (offset >= start_ && offset - start_ + n <= length_) return bytes_.data() + (offset - start_);
+const unsigned char *ReadWindow::refill(ByteSource &source, std::uint64_t offset, std::size_t n,
+                                        std::size_t ahead) {
     const std::size_t want = std::max(n, std::min(ahead, kWindowBytes));
     try {
-        if (bytes_.size() < want) bytes_.resize(std::max(want, std::min(kWindowBytes, want * 2)));
+        if (bytes_.size() < want) bytes_.resize(std::max(want, kWindowBytes));
     } catch (const std::bad_alloc &) {
         return nullptr;
     }
@@ -52,26 +52,19 @@ const unsigned char *ReadWindow::at(ByteSource &source, std::uint64_t offset, st
 void AppendBuffer::start(ByteSource *sink, std::uint64_t offset) {
     sink_ = sink;
     flushed_ = offset;
-    held_.clear();
+    used_ = 0;
 }
 
-bool AppendBuffer::append(const void *in, std::size_t n) {
-    if (held_.size() + n > kWindowBytes && !flush()) return false;
-    try {
-        if (held_.capacity() < kWindowBytes) held_.reserve(kWindowBytes);
-    } catch (const std::bad_alloc &) {
-        return false;
-    }
-    const auto *p = static_cast<const unsigned char *>(in);
-    held_.insert(held_.end(), p, p + n);
-    return true;
+bool AppendBuffer::reserve() {
+    if (!held_) held_.reset(new (std::nothrow) unsigned char[kWindowBytes]);
+    return held_ != nullptr;
 }
 
 bool AppendBuffer::flush() {
-    if (held_.empty()) return true;
-    if (!sink_ || !sink_->writeAt(flushed_, held_.data(), held_.size())) return false;
-    flushed_ += held_.size();
-    held_.clear();
+    if (used_ == 0) return true;
+    if (!sink_ || !sink_->writeAt(flushed_, held_.get(), used_)) return false;
+    flushed_ += used_;
+    used_ = 0;
     return true;
 }
 

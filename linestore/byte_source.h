@@ -9,6 +9,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <memory>
 #include <vector>
 
 namespace velmio {
@@ -62,10 +64,15 @@ public:
     // n bytes at offset, reading ahead at most `ahead` bytes (at least n)
     // on a refill; null when the source fails or ends before them.
     const unsigned char *at(ByteSource &source, std::uint64_t offset, std::size_t n,
-                            std::size_t ahead = kWindowBytes);
+                            std::size_t ahead = kWindowBytes) {
+        if (offset >= start_ && offset - start_ + n <= length_) return bytes_.data() + (offset - start_);
+        return refill(source, offset, n, ahead);
+    }
     void invalidate() { length_ = 0; }
 
 private:
+    const unsigned char *refill(ByteSource &source, std::uint64_t offset, std::size_t n, std::size_t ahead);
+
     std::vector<unsigned char> bytes_;
     std::uint64_t start_ = 0;
     std::size_t length_ = 0;
@@ -76,15 +83,25 @@ private:
 class AppendBuffer {
 public:
     void start(ByteSource *sink, std::uint64_t offset);
-    bool append(const void *in, std::size_t n);
+    // n is at most 64 KiB (a record).
+    bool append(const void *in, std::size_t n) {
+        if (used_ + n > kWindowBytes || !held_) {
+            if (!flush() || !reserve()) return false;
+        }
+        std::memcpy(held_.get() + used_, in, n);
+        used_ += n;
+        return true;
+    }
     bool flush();
-    std::uint64_t offset() const { return flushed_ + held_.size(); }
-    bool active() const { return sink_ != nullptr; }
+    std::uint64_t offset() const { return flushed_ + used_; }
 
 private:
+    bool reserve();
+
     ByteSource *sink_ = nullptr;
     std::uint64_t flushed_ = 0;
-    std::vector<unsigned char> held_;
+    std::unique_ptr<unsigned char[]> held_;
+    std::size_t used_ = 0;
 };
 
 }  // namespace velmio

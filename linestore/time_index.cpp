@@ -1,6 +1,5 @@
 #include "linestore/time_index.h"
 
-#include "encoding/xdr.h"
 #include "foundation/diagnostics.h"
 #include "linestore/byte_source.h"
 #include "platform/file_io.h"
@@ -12,8 +11,6 @@
 #include <new>
 
 namespace velmio {
-
-using namespace xdr;
 
 namespace {
 constexpr std::uint32_t kFullSet = 512;
@@ -155,22 +152,38 @@ int TimeIndex::map(std::uint32_t recordNumber, std::uint32_t &byteOffset) const 
 }
 
 int TimeIndex::writeTo(std::FILE *file, std::uint32_t typeId, std::uint32_t formatVersion) {
-    XDR x;
-    xdrstdio_create(&x, file, XDR_ENCODE);
-    unsigned int header[6] = {kMagic, typeId, kRecordVersion, formatVersion, setCount_, capacity_};
-    bool ok = true;
-    for (unsigned int &h : header) ok = ok && xdr_u_int(&x, &h);
-    for (_TOVO_TmIdxSet *s = first_; s && ok; s = s->next) {
-        ok = xdr_u_int(&x, &s->count) && xdr_int(&x, &s->minTime) && xdr_int(&x, &s->maxTime);
+    // The header and set headers in one write, then each set's array in one.
+    std::vector<unsigned char> out;
+    auto put = [&out](std::uint32_t word) {
+        const std::size_t at = out.size();
+        out.resize(at + 4);
+        storeBe32(&out[at], word);
+    };
+    auto emit = [&out, file]() {
+        const bool ok = std::fwrite(out.data(), 1, out.size(), file) == out.size();
+        out.clear();
+        return ok;
+    };
+    try {
+        for (std::uint32_t word : {kMagic, typeId, kRecordVersion, formatVersion, setCount_, capacity_}) put(word);
+        for (_TOVO_TmIdxSet *s = first_; s; s = s->next) {
+            put(s->count);
+            put(static_cast<std::uint32_t>(s->minTime));
+            put(static_cast<std::uint32_t>(s->maxTime));
+        }
+        if (!emit()) return kTmIdxWriteFailed;
+        for (_TOVO_TmIdxSet *s = first_; s; s = s->next) {
+            put(s->count);
+            for (std::uint32_t i = 0; i < s->count; ++i) {
+                put(static_cast<std::uint32_t>(s->entries[i].encodedTime));
+                put(s->entries[i].byteOffset);
+            }
+            if (!emit()) return kTmIdxWriteFailed;
+        }
+    } catch (const std::bad_alloc &) {
+        return kTmIdxWriteFailed;
     }
-    for (_TOVO_TmIdxSet *s = first_; s && ok; s = s->next) {
-        unsigned int count = s->count;
-        ok = xdr_u_int(&x, &count);
-        for (unsigned int i = 0; i < count && ok; ++i)
-            ok = xdr_int(&x, &s->entries[i].encodedTime) && xdr_u_int(&x, &s->entries[i].byteOffset);
-    }
-    xdr_destroy(&x);
-    return ok ? 0 : kTmIdxWriteFailed;
+    return 0;
 }
 
 int TimeIndex::write(const wchar_t *path, std::uint32_t typeId, std::uint32_t formatVersion) {

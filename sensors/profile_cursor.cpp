@@ -280,7 +280,7 @@ _TOVO_LnSeg *segmentOfProfile(TOVO_Sensor &h, std::uint32_t profile) {
     return nullptr;
 }
 
-int seekData(TOVO_Sensor &h, ProfileState &s, std::uint64_t offset, int seekReason) {
+int seekData(TOVO_Sensor &, ProfileState &s, std::uint64_t offset, int seekReason) {
     ++s.seekCount;
     if (offset > static_cast<std::uint64_t>(std::numeric_limits<long>::max()) || !s.source)
         return s.family.code(seekReason);
