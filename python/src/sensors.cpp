@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -298,11 +297,11 @@ public:
         requireRecords();
         const unsigned total = count();
         const unsigned n = clampRange(first, countArg, total);
-        py::array_t<double> t(n), a(n), b(n), c(n);
+        const bool simple = family_.shape == Shape::Records;
+        py::array_t<double> t(n), a(n), b(simple ? 0 : n), c(simple ? 0 : n);
         py::array_t<std::uint32_t> s(n);
         double *tp = out(t), *ap = out(a), *bp = out(b), *cp = out(c);
         unsigned *sp = out(s);
-        const bool simple = family_.shape == Shape::Records;
         {
             py::gil_scoped_release unlocked;
             check(simple ? SimpleSensorReadRange(h_, first + 1, n, tp, ap, sp)

@@ -36,7 +36,10 @@ public:
     explicit Vessel(const py::object &path) {
         int error = 0;
         const std::wstring name = widePath(path);
-        vessel_ = std::make_unique<VELMVessel>(name.c_str(), error);
+        {
+            py::gil_scoped_release unlocked;
+            vessel_ = std::make_unique<VELMVessel>(name.c_str(), error);
+        }
         check(error, "vessel configuration");
     }
     Vessel() : vessel_(std::make_unique<VELMVessel>()) {}
@@ -46,7 +49,12 @@ public:
 
     void store(const py::object &path) {
         if (!path.is_none()) check(vessel_->setFileName(widePath(path).c_str()), "file name");
-        check(vessel_->store(), "store");
+        int rc = 0;
+        {
+            py::gil_scoped_release unlocked;
+            rc = vessel_->store();
+        }
+        check(rc, "store");
     }
 
     py::list kinds() const {

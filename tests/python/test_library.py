@@ -124,7 +124,7 @@ hypothesis = pytest.importorskip("hypothesis")
 st = hypothesis.strategies
 
 
-@hypothesis.settings(max_examples=25, deadline=None)
+@hypothesis.settings(max_examples=25, deadline=None, database=None)
 @hypothesis.given(st.lists(st.tuples(st.integers(0, 10**6), st.floats(-3.0, 3.0), st.integers(0, 2**32 - 1)),
                            min_size=1, max_size=40))
 def test_written_values_read_back_at_the_stored_resolution_and_rewrite_to_the_same_bytes(tmp_path_factory, rows):
