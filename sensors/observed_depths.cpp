@@ -14,7 +14,7 @@ using namespace velmio;
 
 namespace {
 
-constexpr std::uint32_t kRejectionMask = OBSERVED_DEPTHS_REJECTION_MASK;
+constexpr std::uint32_t kRejectionMask = VELMIO_OBSERVED_DEPTHS_REJECTION_MASK;
 constexpr int kTime = 0;   // extents of the handle and of each segment
 constexpr int kDepth = 1;
 

@@ -61,6 +61,12 @@ const Command kCommands[] = {
     {"explain", runExplain, "CODE...", "say what error codes mean", "", "Explain"},
     {"version", runVersion, "", "print the library's version", "", "Version"},
     {"help", nullptr, "[COMMAND]", "this text, or a command's", "", "Help"},
+    {"check", runCheck, "PATH [--json]", "verify every sensor of a line or of the lines below",
+     "Checks every file of every sensor: validation records, summaries against the records present, the\n"
+     "time index, segments and time order. Each problem is listed with its line, sensor, record and code;\n"
+     "exit 1 when anything is wrong.\n"
+     "  --json   one JSON document",
+     "Check"},
 };
 
 std::string keyed(const Command &c, const char *what, const char *fallback) {

@@ -3,6 +3,7 @@
 #include "foundation/classic_locale.h"
 #include "foundation/utf8.h"
 #include "foundation/wide_copy.h"
+#include "platform/fault_injection.h"
 #include "platform/native_path.h"
 #include "vessel/xml_access.h"
 
@@ -34,10 +35,18 @@ std::string narrow(const wchar_t *name) { return velmio::vessel::xmlText(name); 
 void ignoreGeneric(void *, const char *, ...) {}
 void ignoreStructured(void *, xmlError *) {}
 
+// libxml2 sets up its global state on first use, and that setup races when
+// several threads make their first call together: it is done once here.
+bool initLibxml() {
+    static const bool ready = (xmlInitParser(), true);
+    return ready;
+}
+
 class QuietLibxml {
 public:
     QuietLibxml()
-        : generic_(xmlGenericError), genericContext_(xmlGenericErrorContext), structured_(xmlStructuredError),
+        : generic_((initLibxml(), xmlGenericError)), genericContext_(xmlGenericErrorContext),
+          structured_(xmlStructuredError),
           structuredContext_(xmlStructuredErrorContext) {
         xmlSetGenericErrorFunc(nullptr, ignoreGeneric);
         xmlSetStructuredErrorFunc(nullptr, ignoreStructured);
@@ -148,6 +157,7 @@ xmlDoc *OpenXmlFile(const wchar_t *path) {
 
 xmlDoc *CreateXmlFile(const wchar_t *rootName, float version) {
     if (!rootName) return nullptr;
+    initLibxml();
     xmlDoc *doc = xmlNewDoc(xml("1.0"));
     if (!doc) return nullptr;
     doc->encoding = xmlStrdup(xml("UTF-8"));
@@ -171,6 +181,8 @@ xmlDoc *CreateXmlFile(const wchar_t *rootName, float version) {
 
 int SaveXmlFile(xmlDoc *doc, const wchar_t *path) {
     if (!doc || !path) return -1;
+    // libxml2 opens and writes the file itself: the seam sees one write.
+    if (velmio::platform::injectFault(velmio::platform::FileOp::Write)) return -1;
     QuietLibxml quiet;
     return xmlSaveFormatFile(velmio::platform::nativePath(path).c_str(), doc, 1);
 }

@@ -35,7 +35,7 @@
 VELMIO_BEGIN_C
 
 /* The rejection bits of a beam's status word (ObservedDepthsUpdateRejectionStatus). */
-#define OBSERVED_DEPTHS_REJECTION_MASK 0xF3F80000u
+#define VELMIO_OBSERVED_DEPTHS_REJECTION_MASK 0xF3F80000u
 
 /* Opens the line's observed depths ("ObservedDepths", or "ObservedDepthsNew"
  * for the New form) with the token "create", "query" or "update". Returns the
@@ -120,7 +120,7 @@ VELMIO_API int ObservedDepthsSetLineSegmentStatus(TOVO_Sensor *handle, int segme
 
 /* Beam edits (update mode), written in place at once. UpdateStatus replaces
  * the upper 16 bits and keeps the time offset; UpdateRejectionStatus replaces
- * only the bits of OBSERVED_DEPTHS_REJECTION_MASK (bits should lie within it)
+ * only the bits of VELMIO_OBSERVED_DEPTHS_REJECTION_MASK (bits should lie within it)
  * and writes nothing when they are already so; the depth edits widen the
  * summary and segment depth bounds (never narrow them). In UpdateXYZStatus
  * each non-null argument replaces its value. */

@@ -47,8 +47,8 @@
 VELMIO_BEGIN_C
 
 /* Value scales of SimpleSensorOpen. */
-#define SIMPLE_SENSOR_METRES 0
-#define SIMPLE_SENSOR_RADIANS 1
+#define VELMIO_SIMPLE_SENSOR_METRES 0
+#define VELMIO_SIMPLE_SENSOR_RADIANS 1
 
 /* Opens sensor type typeId (one of the fourteen families' ids) in
  * lineDirectory for "create", "query" or "update", with values scaled as
