@@ -46,22 +46,35 @@ std::vector<std::string> headings(const std::vector<Column> &columns) {
     return out;
 }
 
-// The shown values of one row, as texts (strings quoted for JSON when json).
-std::vector<std::string> cells(const std::vector<Column> &columns, const double *row, bool json) {
-    std::vector<std::string> out;
-    auto str = [json](const std::string &s) { return json ? jsonString(s) : csvField(s); };
+// Appends the shown values of one row to out: as CSV fields, or as the
+// members of a JSON object named by names.
+void appendRow(std::string &out, const std::vector<Column> &columns, const double *row,
+               const std::vector<std::string> &names, bool json) {
+    std::size_t field = 0;
+    auto put = [&](const std::string &value, bool isText) {
+        if (json) {
+            out += field ? ",\"" : "{\"";
+            out += names[field];
+            out += "\":";
+            out += isText ? jsonString(value) : value;
+        } else {
+            if (field) out += ',';
+            out += isText ? csvField(value) : value;
+        }
+        ++field;
+    };
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const double v = row[i];
         switch (columns[i].type) {
-        case ColumnType::Time: out.push_back(str(isoText(v))); out.push_back(number(v)); break;
+        case ColumnType::Time: put(isoText(v), true); put(number(v), false); break;
         case ColumnType::Status:
-            out.push_back(number(v));
-            out.push_back(str(statusText(static_cast<unsigned int>(v))));
+            put(number(v), false);
+            put(statusText(static_cast<unsigned int>(v)), true);
             break;
-        default: out.push_back(number(shown(v, columns[i].type)));
+        default: put(number(shown(v, columns[i].type)), false);
         }
     }
-    return out;
+    out += json ? "}" : "\n";
 }
 
 }  // namespace
@@ -109,23 +122,18 @@ int runDump(const Args &args) {
         std::printf("\n");
     }
     std::vector<double> rows;
+    std::string out;
     const std::size_t width = reader->columns().size();
     bool firstRow = true;
     int rc = 0;
     while ((rc = reader->next(rows, kChunkRows)) == 0 && !rows.empty()) {
+        out.clear();
         for (std::size_t r = 0; r < rows.size(); r += width) {
-            const std::vector<std::string> values = cells(reader->columns(), &rows[r], json);
-            if (json) {
-                std::printf("%s\n{", firstRow ? "" : ",");
-                for (std::size_t i = 0; i < values.size(); ++i)
-                    std::printf("%s\"%s\":%s", i ? "," : "", names[i].c_str(), values[i].c_str());
-                std::printf("}");
-            } else {
-                for (std::size_t i = 0; i < values.size(); ++i) std::printf("%s%s", i ? "," : "", values[i].c_str());
-                std::printf("\n");
-            }
+            if (json) out += firstRow ? "\n" : ",\n";
+            appendRow(out, reader->columns(), &rows[r], names, json);
             firstRow = false;
         }
+        std::fwrite(out.data(), 1, out.size(), stdout);
     }
     if (json) std::printf("\n]}\n");
     reader.reset();

@@ -1,6 +1,7 @@
 // The family table. Each kind (one value per record, positions, profiles of
 // beams) has one adapter; an entry names the family's own functions.
 #include "families.h"
+#include "command.h"
 
 #include <velmio/navigation.h>
 #include <velmio/observed_depths.h>
@@ -14,7 +15,12 @@
 namespace velmio::tool {
 namespace {
 
-std::string takeName(wchar_t *name);
+// A name handed out by the library, as UTF-8; the copy is freed.
+std::string takeName(wchar_t *name) {
+    std::string out = name ? narrow(name) : std::string();
+    std::free(name);
+    return out;
+}
 
 // Reads rows first..last of a record family: the subclass fills one chunk.
 class RangeReader : public RowReader {
@@ -394,16 +400,6 @@ std::vector<Family> makeTable() {
     };
 }
 
-}  // namespace
-
-std::string narrow(const std::wstring &text);
-
-namespace {
-std::string takeName(wchar_t *name) {
-    std::string out = name ? narrow(name) : std::string();
-    std::free(name);
-    return out;
-}
 }  // namespace
 
 const std::vector<Family> &families() {

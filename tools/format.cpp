@@ -4,9 +4,11 @@
 #include <velmio/time_conversions.h>
 #include <velmio/utils.hpp>
 
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <unordered_map>
 
 namespace velmio::tool {
 namespace {
@@ -55,13 +57,15 @@ std::string isoText(double utcs80) {
 
 std::string number(double value) {
     if (!std::isfinite(value)) return "null";
-    char buf[40];
-    for (int digits = 6; digits <= 17; ++digits) {
-        std::snprintf(buf, sizeof buf, "%.*g", digits, value);
-        // The C locale is never changed for numbers, so '.' is the decimal mark.
-        if (std::strtod(buf, nullptr) == value) break;
-    }
-    return buf;
+    // Shortest text that reads back as the same double, never in the locale's form.
+    // Plain decimals for the magnitudes of survey data, exponents beyond them.
+    char buf[64];
+    const double magnitude = std::fabs(value);
+    const bool plain = magnitude == 0 || (magnitude >= 1e-5 && magnitude < 1e15);
+    auto r = plain ? std::to_chars(buf, buf + sizeof buf, value, std::chars_format::fixed)
+                   : std::to_chars(buf, buf + sizeof buf, value);
+    if (r.ec != std::errc()) r = std::to_chars(buf, buf + sizeof buf, value);
+    return std::string(buf, r.ptr);
 }
 
 double shown(double value, ColumnType type) { return type == ColumnType::Radians ? value / kDegree : value; }
@@ -94,9 +98,14 @@ std::string csvField(const std::string &text) {
 }
 
 std::string statusText(unsigned int status) {
+    // A line holds few distinct words; dump asks for one per field of every record.
+    static thread_local std::unordered_map<unsigned int, std::string> known;
+    auto it = known.find(status);
+    if (it != known.end()) return it->second;
     wchar_t buffer[VELMIOUtils::kStatusTextLength] = L"";
     VELMIOUtils::observedStatusToString(status, buffer, VELMIOUtils::kStatusTextLength);
-    return narrow(buffer);
+    if (known.size() > 4096) known.clear();
+    return known.emplace(status, narrow(buffer)).first->second;
 }
 
 }  // namespace velmio::tool
