@@ -6,11 +6,17 @@
 // Input: byte 0 picks the file name ending (odd: ".edf", read as RAN Edf
 // whatever the content; even: ".svp", detected from the content), the rest
 // is the file.
+//
+// Built with VELMIO_FUZZ_SVP_FORMAT (1 native, 2 CHS, 3 RAN Dat, 4 RAN Edf)
+// the target skips detection and reads every input in that one format, so
+// that each parser gets inputs detection would have sent elsewhere; byte 0
+// is then ignored.
 #include "fuzz_support.h"
 
 #include <velmio/svp.hpp>
 #include <velmio/time_conversions.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -81,9 +87,24 @@ void exercise(SvpFile &f) {
     f.AddSvpValue(lastTime + 3600.0, 15.0, 1491.5);
 }
 
+#if VELMIO_FUZZ_SVP_FORMAT == 1
+using FixedFormat = VelmSvpFile;
+#elif VELMIO_FUZZ_SVP_FORMAT == 2
+using FixedFormat = CHSSvpFile;
+#elif VELMIO_FUZZ_SVP_FORMAT == 3
+using FixedFormat = RANSvpFile_Dat;
+#elif VELMIO_FUZZ_SVP_FORMAT == 4
+using FixedFormat = RANSvpFile_Edf;
+#endif
+
 std::unique_ptr<SvpFile> readProfile(const std::string &path) {
+    const MORVAUString name(velmio::fuzz::widen(path));
+#if defined(VELMIO_FUZZ_SVP_FORMAT)
+    std::unique_ptr<SvpFile> f = std::make_unique<FixedFormat>(name);
+#else
     int status = 0;
-    std::unique_ptr<SvpFile> f(SvpFile::GetSvpFormat(MORVAUString(velmio::fuzz::widen(path)), status));
+    std::unique_ptr<SvpFile> f(SvpFile::GetSvpFormat(name, status));
+#endif
     if (f) f->ReadInData();
     return f;
 }
@@ -92,7 +113,11 @@ std::unique_ptr<SvpFile> readProfile(const std::string &path) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     if (size == 0) return 0;
+#if defined(VELMIO_FUZZ_SVP_FORMAT)
+    const char *ending = VELMIO_FUZZ_SVP_FORMAT == 4 ? ".edf" : ".svp";
+#else
     const char *ending = (data[0] & 1) ? ".edf" : ".svp";
+#endif
     const std::string dir = velmio::fuzz::freshDirectory();
     const std::string path = dir + "/profile" + ending;
     velmio::fuzz::writeFile(path, data + 1, size - 1);
@@ -136,8 +161,8 @@ Bytes written(const char *ending, std::uint8_t selector) {
     std::string text(file.begin(), file.end());
     for (std::size_t at; (at = text.find(path)) != std::string::npos;)
         text.replace(at, path.size(), std::string("seed") + ending);
-    Bytes bytes{selector};
-    bytes.insert(bytes.end(), text.begin(), text.end());
+    Bytes bytes(1 + text.size(), selector);
+    std::copy(text.begin(), text.end(), bytes.begin() + 1);
     return bytes;
 }
 
@@ -153,8 +178,18 @@ const char kVersion1[] =
 }  // namespace
 
 std::vector<std::vector<std::uint8_t>> velmioFuzzSeeds() {
-    Bytes version1{'n'};
-    version1.insert(version1.end(), kVersion1, kVersion1 + sizeof kVersion1 - 1);
+    const std::string version1Text = std::string("n") + kVersion1;
+    const Bytes version1(version1Text.begin(), version1Text.end());
+#if VELMIO_FUZZ_SVP_FORMAT == 1
+    return {written<VelmSvpFile>(".svp", 'n'), version1};
+#elif VELMIO_FUZZ_SVP_FORMAT == 2
+    return {written<CHSSvpFile>(".svp", 'n')};
+#elif VELMIO_FUZZ_SVP_FORMAT == 3
+    return {written<RANSvpFile_Dat>(".svp", 'n')};
+#elif VELMIO_FUZZ_SVP_FORMAT == 4
+    return {written<RANSvpFile_Edf>(".edf", 'e')};
+#else
     return {written<VelmSvpFile>(".svp", 'n'), written<CHSSvpFile>(".svp", 'n'),
             written<RANSvpFile_Dat>(".svp", 'n'), written<RANSvpFile_Edf>(".edf", 'e'), version1};
+#endif
 }

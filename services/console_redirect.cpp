@@ -2,12 +2,14 @@
 // environment variable "CONSOLE". The only process-wide state of the library.
 #include <velmio/console.h>
 
+#include "foundation/diagnostics.h"
 #include "foundation/utf8.h"
 #include "platform/native_path.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <string>
 
 #if defined(_WIN32)
@@ -58,6 +60,12 @@ struct Redirection {
 Redirection &state() {
     static Redirection redirection;
     return redirection;
+}
+
+// Start and Stop may come from any thread; one at a time changes the state.
+std::mutex &stateLock() {
+    static std::mutex lock;
+    return lock;
 }
 
 void flushStandardStreams() {
@@ -143,6 +151,7 @@ VELMIO_API int VELM_IO_StartDiagnostics(void) {
     const char *value = std::getenv("CONSOLE");
     if (!value || !*value || equalsIgnoringCase(value, "NO")) return 0;
     try {
+        std::lock_guard<std::mutex> guard(stateLock());
         if (equalsIgnoringCase(value, "YES") || equalsIgnoringCase(value, "CONSOLE")) {
             attachConsole();
             return 0;
@@ -154,6 +163,7 @@ VELMIO_API int VELM_IO_StartDiagnostics(void) {
 }
 
 VELMIO_API int VELM_IO_StopDiagnostics(void) {
+    std::lock_guard<std::mutex> guard(stateLock());
     Redirection &s = state();
     flushStandardStreams();
     restoreOriginals();
@@ -167,6 +177,12 @@ VELMIO_API int VELM_IO_StopDiagnostics(void) {
     if (s.file >= 0) result = closeDescriptor(s.file) == 0 ? 0 : -1;
     s.file = -1;
     return result;
+}
+
+int VELM_IO_SetDiagnostics(int enabled) {
+    const bool was = velmio::diagnosticsEnabled();
+    velmio::setDiagnosticsEnabled(enabled != 0);
+    return was ? 1 : 0;
 }
 
 }  // extern "C"

@@ -35,10 +35,18 @@ std::string narrow(const wchar_t *name) { return velmio::vessel::xmlText(name); 
 void ignoreGeneric(void *, const char *, ...) {}
 void ignoreStructured(void *, xmlError *) {}
 
+// libxml2 sets up its global state on first use, and that setup races when
+// several threads make their first call together: it is done once here.
+bool initLibxml() {
+    static const bool ready = (xmlInitParser(), true);
+    return ready;
+}
+
 class QuietLibxml {
 public:
     QuietLibxml()
-        : generic_(xmlGenericError), genericContext_(xmlGenericErrorContext), structured_(xmlStructuredError),
+        : generic_((initLibxml(), xmlGenericError)), genericContext_(xmlGenericErrorContext),
+          structured_(xmlStructuredError),
           structuredContext_(xmlStructuredErrorContext) {
         xmlSetGenericErrorFunc(nullptr, ignoreGeneric);
         xmlSetStructuredErrorFunc(nullptr, ignoreStructured);
@@ -149,6 +157,7 @@ xmlDoc *OpenXmlFile(const wchar_t *path) {
 
 xmlDoc *CreateXmlFile(const wchar_t *rootName, float version) {
     if (!rootName) return nullptr;
+    initLibxml();
     xmlDoc *doc = xmlNewDoc(xml("1.0"));
     if (!doc) return nullptr;
     doc->encoding = xmlStrdup(xml("UTF-8"));

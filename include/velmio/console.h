@@ -9,7 +9,7 @@
  *   Windows). Without a controlling terminal nothing changes;
  * - anything else is a file name: the file is created or truncated and
  *   standard output is written to it. A file of an earlier start is closed.
- * The state is process-wide; the library does not lock it (one caller). */
+ * The state is process-wide; calls from several threads take turns. */
 #ifndef VELMIO_CONSOLE_H
 #define VELMIO_CONSOLE_H
 
@@ -26,6 +26,12 @@ VELMIO_API int VELM_IO_StartDiagnostics(void);
  * and the original standard streams are restored; a diagnostics file is
  * closed and forgotten. Returns 0, or -1 when closing the file failed. */
 VELMIO_API int VELM_IO_StopDiagnostics(void);
+
+/* Switches the one-line messages of failing calls on (nonzero) or off (0)
+ * for the whole process; they are on at start. Returns the previous setting
+ * (1 or 0). Programs that report failures themselves, such as the Python
+ * module, turn them off. */
+VELMIO_API int VELM_IO_SetDiagnostics(int enabled);
 
 VELMIO_END_C
 

@@ -7,6 +7,8 @@
 
 #include "tests/sensors/sensor_test_support.h"
 
+#include <unistd.h>
+
 #include <vector>
 
 namespace velmio::test {
@@ -209,6 +211,23 @@ TEST_P(BulkProfiles, WritesTheSameBytesAndReadsTheSameValuesAsPerBeamCalls) {
     EXPECT_EQ(f.readBeams(h, 1, 8, fits - 1, offsets.data(), out), f.block + 19);
     EXPECT_TRUE(out == untouched);
     EXPECT_EQ(offsets, std::vector<unsigned>(9, 99));
+    EXPECT_EQ(f.close(h), 0);
+}
+
+TEST_P(BulkProfiles, DataFileCutUnderAnOpenQueryHandleFailsWithTheFamilysCode) {
+    const ProfileOps &f = GetParam();
+    TempDir dir;
+    writeLine(dir, true);
+    H h = openLine(f.openDir, dir, L"query");
+    ASSERT_NE(h, nullptr);
+    const std::string data = dir.file(f.name);
+    ASSERT_EQ(::truncate(data.c_str(), static_cast<off_t>(readFile(data).size() / 2)), 0);
+    const unsigned total = totalBeams(1, kProfiles);
+    Columns beams(total), headers(kProfiles);
+    const int rc = f.readBeams(h, 1, kProfiles, total, nullptr, beams);
+    EXPECT_GT(rc, f.block);
+    EXPECT_LT(rc, f.block + 100);
+    EXPECT_EQ(f.readProfiles(h, kProfiles - 1, 2, headers), rc) << "header past the cut";
     EXPECT_EQ(f.close(h), 0);
 }
 

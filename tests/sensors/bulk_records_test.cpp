@@ -7,6 +7,8 @@
 #include "sensors/simple_families.h"
 #include "tests/sensors/sensor_test_support.h"
 
+#include <unistd.h>
+
 #include <climits>
 #include <cmath>
 #include <vector>
@@ -60,9 +62,10 @@ struct RecordOps {
 const RecordOps kRecordFamilies[] = {VELMIO_SIMPLE_FAMILIES(VELMIO_SIMPLE_OPS) VELMIO_NAVIGATION_OPS(Navigation)
                                          VELMIO_NAVIGATION_OPS(SSSNavigation)};
 
-// Two segments (1-600, 601-1100) over three time index sets; the second
+// Two segments (1-600, 601-6000) over 12 time index sets and more than one
+// 64 KiB window of records; the second
 // segment's statuses are all 0, which the bulk writer passes as null.
-constexpr unsigned kRecords = 1100;
+constexpr unsigned kRecords = 6000;
 constexpr unsigned kFirstSegmentEnd = 600;
 
 Columns lineValues() {
@@ -166,6 +169,22 @@ TEST_P(BulkRecords, UpdateHandleReadsItsOwnStatusEdits) {
     ASSERT_EQ(readRange(h, 511, 4, got), 0);
     EXPECT_EQ(got.s[2], 0xABCu);
     EXPECT_TRUE(got == readEach(h, 511, 4));
+    EXPECT_EQ(f.close(h), 0);
+}
+
+TEST_P(BulkRecords, DataFileCutUnderAnOpenQueryHandleFailsWithTheFamilysCode) {
+    const RecordOps &f = GetParam();
+    TempDir dir;
+    writeLine(dir, true);
+    H h = openLine(f.openDir, dir, L"query");
+    ASSERT_NE(h, nullptr);
+    const std::string data = dir.file(f.name);
+    ASSERT_EQ(::truncate(data.c_str(), static_cast<off_t>(readFile(data).size() / 2)), 0);
+    Columns got(200);
+    double t, a, b, c;
+    unsigned s;
+    EXPECT_EQ(f.read(h, kRecords - 10, &t, &a, &b, &c, &s), f.code(25));
+    EXPECT_EQ(readRange(h, kRecords - 200, 200, got), f.code(25));
     EXPECT_EQ(f.close(h), 0);
 }
 

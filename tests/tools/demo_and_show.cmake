@@ -1,7 +1,7 @@
 # Writes the demo line with the velmio command and checks what show reports.
 file(REMOVE_RECURSE ${WORK})
 set(line ${WORK}/Project/Boat/2004-123/Line001)
-execute_process(COMMAND ${TOOL} demo ${line} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+execute_process(COMMAND ${TOOL} demo --line ${line} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
 if(NOT rc EQUAL 0)
   message(FATAL_ERROR "demo failed (${rc}): ${out}${err}")
 endif()
