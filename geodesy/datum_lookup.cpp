@@ -4,6 +4,7 @@
 #include "foundation/classic_locale.h"
 #include "foundation/utf8.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -73,7 +74,7 @@ std::size_t nameEnd(const std::string &line, std::wstring &prefix) {
 }
 
 struct FileCloser {
-    void operator()(std::FILE *f) const { std::fclose(f); }
+    void operator()(std::FILE *f) const { velmio::platform::closeFile(f); }
 };
 
 }  // namespace

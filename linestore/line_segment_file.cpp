@@ -4,6 +4,7 @@
 #include <velmio/linestore.h>
 
 #include "foundation/diagnostics.h"
+#include "platform/durable_replace.h"
 #include "platform/files.h"
 
 #include <cerrno>
@@ -54,31 +55,36 @@ void sayIf(const char *message) {
 }  // namespace
 
 int writeLineSegmentFile(TOVO_Sensor &h, const SegmentFileFormat &f) {
-    std::FILE *file = platform::openFile(h.segmentPath.c_str(), "wb");
-    if (!file) return openFailure(h, f, errno);
-    XDR x;
-    xdrstdio_create(&x, file, XDR_ENCODE);
-    int count = static_cast<int>(h.segmentCount);
-    bool ok = TOVO_WriteLnSegValidationRecord(&h, &x) == 0 && xdr_int(&x, &count);
-    std::string narrow;
-    for (_TOVO_LnSeg *s = h.firstSegment; s && ok; s = s->next) {
-        // Names travel as 8-bit characters; others become '?'.
-        narrow.clear();
-        for (wchar_t c : s->name) narrow += (c >= 0 && c < 256) ? static_cast<char>(c) : '?';
-        unsigned int length = static_cast<unsigned int>(narrow.size());
-        char *text = narrow.data();
-        ok = xdr_u_int(&x, &s->status) && xdr_u_int(&x, &length) && xdr_string(&x, &text, length) &&
-             xdr_u_int(&x, &s->firstRecord) && xdr_u_int(&x, &s->lastRecord);
-        for (int k = 0; k < f.extentCount && ok; ++k) {
-            int lo = encodeExtent(h, f.kinds[k], s->extents[k].min);
-            int hi = encodeExtent(h, f.kinds[k], s->extents[k].max);
-            ok = xdr_int(&x, &lo) && xdr_int(&x, &hi);
+    // Replaced through a temporary: a status save that fails part way must
+    // leave the previous segment file, never a cut one.
+    bool opened = false, ok = true;
+    const int error = platform::replaceFile(h.segmentPath, [&](std::FILE *file) {
+        opened = true;
+        XDR x;
+        xdrstdio_create(&x, file, XDR_ENCODE);
+        int count = static_cast<int>(h.segmentCount);
+        ok = TOVO_WriteLnSegValidationRecord(&h, &x) == 0 && xdr_int(&x, &count);
+        std::string narrow;
+        for (_TOVO_LnSeg *s = h.firstSegment; s && ok; s = s->next) {
+            // Names travel as 8-bit characters; others become '?'.
+            narrow.clear();
+            for (wchar_t c : s->name) narrow += (c >= 0 && c < 256) ? static_cast<char>(c) : '?';
+            unsigned int length = static_cast<unsigned int>(narrow.size());
+            char *text = narrow.data();
+            ok = xdr_u_int(&x, &s->status) && xdr_u_int(&x, &length) && xdr_string(&x, &text, length) &&
+                 xdr_u_int(&x, &s->firstRecord) && xdr_u_int(&x, &s->lastRecord);
+            for (int k = 0; k < f.extentCount && ok; ++k) {
+                int lo = encodeExtent(h, f.kinds[k], s->extents[k].min);
+                int hi = encodeExtent(h, f.kinds[k], s->extents[k].max);
+                ok = xdr_int(&x, &lo) && xdr_int(&x, &hi);
+            }
         }
-    }
-    xdr_destroy(&x);
-    const bool closed = std::fclose(file) == 0;
+        xdr_destroy(&x);
+        return ok ? 0 : (errno != 0 ? errno : EIO);
+    });
+    if (!opened) return openFailure(h, f, error);
     if (!ok) return f.notWritten;
-    return closed ? 0 : f.closeFailed;
+    return error ? f.closeFailed : 0;
 }
 
 int readLineSegmentFile(TOVO_Sensor &h, const SegmentFileFormat &f) {

@@ -2,6 +2,7 @@
 
 #include "foundation/diagnostics.h"
 #include "linestore/byte_source.h"
+#include "platform/durable_replace.h"
 #include "platform/file_io.h"
 #include "platform/files.h"
 
@@ -187,11 +188,17 @@ int TimeIndex::writeTo(std::FILE *file, std::uint32_t typeId, std::uint32_t form
 }
 
 int TimeIndex::write(const wchar_t *path, std::uint32_t typeId, std::uint32_t formatVersion) {
-    std::FILE *f = platform::openFile(path, "wb");
-    if (!f) return kTmIdxCannotOpen;
-    int rc = writeTo(f, typeId, formatVersion);
-    if (std::fclose(f) != 0 && rc == 0) rc = kTmIdxCloseFailed;
-    return rc;
+    // Replaced through a temporary, so that the index on the disk is whole.
+    bool opened = false;
+    int rc = 0;
+    const int error = platform::replaceFile(path ? path : L"", [&](std::FILE *f) {
+        opened = true;
+        rc = writeTo(f, typeId, formatVersion);
+        return rc ? EIO : 0;
+    });
+    if (!opened) return kTmIdxCannotOpen;
+    if (rc) return rc;
+    return error ? kTmIdxCloseFailed : 0;
 }
 
 namespace {

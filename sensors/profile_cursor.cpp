@@ -5,6 +5,7 @@
 
 #include "foundation/wide_copy.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 
 #include <climits>
 #include <cstdio>
@@ -166,7 +167,10 @@ int closeProfileSensor(TOVO_Sensor *h, const ProfileFamily &f, bool saveDirtySta
         keep(kNoMemory);
     }
     if (h->dataFile) {
-        if (std::fflush(h->dataFile) != 0) keep(f.code(kSeekFailed));
+        // A created line is on the disk once Close returns.
+        const bool pushed = creating && h->recordCount > 0 ? platform::syncFile(h->dataFile) == 0
+                                                           : std::fflush(h->dataFile) == 0;
+        if (!pushed) keep(f.code(kSeekFailed));
         if (std::fclose(h->dataFile) != 0) keep(f.code(kCloseFailed));
         h->dataFile = nullptr;
     }

@@ -5,6 +5,7 @@
 
 #include "foundation/diagnostics.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 
 #include <cstdio>
 #include <new>
@@ -286,7 +287,9 @@ int closeRecordFamily(TOVO_Sensor *h, RecordState &s) {
     if (create && !s.appender.flush()) note(f.code(kSeekFailed));
     if (create && s.written > 0 && writeSummary(*h, s) != 0) note(f.code(kSummaryNotWritten));
     if (h->dataFile) {
-        if (std::fflush(h->dataFile) != 0) note(f.code(kSeekFailed));
+        // A created line is on the disk once Close returns.
+        const bool pushed = create && s.written > 0 ? platform::syncFile(h->dataFile) == 0 : std::fflush(h->dataFile) == 0;
+        if (!pushed) note(f.code(kSeekFailed));
         if (std::fclose(h->dataFile) != 0) note(f.code(kCloseFailed));
         h->dataFile = nullptr;
     }

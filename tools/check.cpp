@@ -3,7 +3,6 @@
 #include "command.h"
 
 #include <velmio/line_check.h>
-#include <velmio/messages.hpp>
 
 #include <cstdio>
 
@@ -12,11 +11,6 @@
 #endif
 
 namespace {
-
-std::string sentence(int code) {
-    MORVAUString text;
-    return VELMIOUtils::findErrorMessage(code, text) == 0 ? text.toUtf8() : "";
-}
 
 // The readers' own complaints go to standard error while the check runs,
 // so that standard output holds the report alone (and parses as JSON).

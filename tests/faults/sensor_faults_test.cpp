@@ -151,10 +151,7 @@ TEST(SensorFaults, CreateOfASimpleFamilyNavigationAndProfiles) {
     }
 }
 
-// A status save rewrites the line segment file in place, so a failure part
-// way leaves a line that no longer opens; on once that file is replaced
-// through a temporary.
-TEST(SensorFaults, DISABLED_StatusSavesAndEditsLeaveTheOldValueOrTheNew) {
+TEST(SensorFaults, StatusSavesAndEditsLeaveTheOldValueOrTheNew) {
     for (const Line *family : {&kGyro, &kNavigation, &kDepths}) {
         TempDir dir;
         ASSERT_EQ(family->create(dir.wpath().c_str()), 0);

