@@ -49,4 +49,4 @@ if(CMAKE_DL_LIBS)
   target_link_libraries(velmio_internal PUBLIC ${CMAKE_DL_LIBS})
 endif()
 
-install(FILES ${velmio_message_outputs} DESTINATION ${CMAKE_INSTALL_LIBDIR}/VelmMessages)
+install(FILES ${velmio_message_outputs} DESTINATION ${CMAKE_INSTALL_LIBDIR}/VelmMessages COMPONENT library)

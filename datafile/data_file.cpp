@@ -4,11 +4,13 @@
 #include <velmio/encoding.h>
 #include <velmio/utils.hpp>
 
+#include "datafile/data_file_state.h"
 #include "datafile/value_codec.h"
 #include "foundation/diagnostics.h"
 #include "foundation/utf8.h"
 #include "linestore/time_index.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 #include "platform/system_error.h"
 
 #include <cerrno>
@@ -29,18 +31,16 @@ constexpr unsigned int kDataRecordKind = 1;
 VELMDataFile::VELMDataFile(const MORVAUString &directory, const MORVAUString &fileName,
                            const MORVAUString &description, unsigned int typeWord, AccessType access,
                            unsigned int dataVersion, long &status)
-    : accessType_(access),
-      typeWord_(typeWord),
-      dataVersion_(dataVersion),
-      description_(description),
-      minTime_(DBL_MAX),
-      maxTime_(-DBL_MAX),
-      index_(new velmio::TimeIndex) {
+    : d_(new Impl) {
+    d_->accessType_ = access;
+    d_->typeWord_ = typeWord;
+    d_->dataVersion_ = dataVersion;
     status = 0;
     try {
-        dataPath_ = directory;
-        VELMIOUtils::appendPath(dataPath_, fileName);
-        indexPath_ = dataPath_ + MORVAUString(L"TmIdx");
+        d_->description_ = description;
+        d_->dataPath_ = directory;
+        VELMIOUtils::appendPath(d_->dataPath_, fileName);
+        d_->indexPath_ = d_->dataPath_ + MORVAUString(L"TmIdx");
     } catch (const std::bad_alloc &) {
         status = kNoMemory;
         return;
@@ -48,27 +48,27 @@ VELMDataFile::VELMDataFile(const MORVAUString &directory, const MORVAUString &fi
     int rc = 0;
     int openErrno = 0;
     if (access == ACCESS_CREATE) {
-        dataFile_ = velmio::platform::openFile(dataPath_.c_str(), "wb");
-        if (!dataFile_) openErrno = errno;
-        if (dataFile_) {
-            createdData_ = true;
-            indexFile_ = velmio::platform::openFile(indexPath_.c_str(), "wb");
-            if (!indexFile_) openErrno = errno;
-            else createdIndex_ = true;
+        d_->dataFile_ = velmio::platform::openFile(d_->dataPath_.c_str(), "wb");
+        if (!d_->dataFile_) openErrno = errno;
+        if (d_->dataFile_) {
+            d_->createdData_ = true;
+            d_->indexFile_ = velmio::platform::openFile(d_->indexPath_.c_str(), "wb");
+            if (!d_->indexFile_) openErrno = errno;
+            else d_->createdIndex_ = true;
         }
-        rc = (dataFile_ && indexFile_) ? TOVO_WriteDataValidationRecord() : kCannotWrite;
-        endOfData_ = 16;
+        rc = (d_->dataFile_ && d_->indexFile_) ? TOVO_WriteDataValidationRecord() : kCannotWrite;
+        d_->endOfData_ = 16;
     } else if (access == ACCESS_READ || access == ACCESS_UPDATE) {
-        attributesOpen_ = false;
-        dataFile_ = velmio::platform::openFile(dataPath_.c_str(), access == ACCESS_READ ? "rb" : "rb+");
-        if (!dataFile_) openErrno = errno;
-        if (dataFile_) {
-            indexFile_ = velmio::platform::openFile(indexPath_.c_str(), "rb");
-            if (!indexFile_) openErrno = errno;
+        d_->attributesOpen_ = false;
+        d_->dataFile_ = velmio::platform::openFile(d_->dataPath_.c_str(), access == ACCESS_READ ? "rb" : "rb+");
+        if (!d_->dataFile_) openErrno = errno;
+        if (d_->dataFile_) {
+            d_->indexFile_ = velmio::platform::openFile(d_->indexPath_.c_str(), "rb");
+            if (!d_->indexFile_) openErrno = errno;
         }
-        rc = (dataFile_ && indexFile_) ? ReadSummary() : kCannotRead;
+        rc = (d_->dataFile_ && d_->indexFile_) ? ReadSummary() : kCannotRead;
     } else {
-        attributesOpen_ = false;
+        d_->attributesOpen_ = false;
         rc = kBadArgument;
     }
     // An existing file is no failure (the platform's "already exists" code
@@ -76,16 +76,16 @@ VELMDataFile::VELMDataFile(const MORVAUString &directory, const MORVAUString &fi
     if (openErrno == EEXIST) openErrno = 0;
     const velmio::platform::OpenFailureCodes codes = {kNotFound, kTooManyFiles, kAccessDenied, kNoSpace,
                                                       rc != 0 ? rc : kCannotRead};
-    rc = velmio::platform::reportOpenFailure(velmio::printable(dataPath_.c_str()), openErrno, codes, true, rc);
+    rc = velmio::platform::reportOpenFailure(velmio::printable(d_->dataPath_.c_str()), openErrno, codes, true, rc);
     if (rc == 0 && access != ACCESS_CREATE) rc = TmIdxRead();
-    if (access != ACCESS_CREATE && indexFile_) {
-        std::fclose(indexFile_);
-        indexFile_ = nullptr;
+    if (access != ACCESS_CREATE && d_->indexFile_) {
+        velmio::platform::closeFile(d_->indexFile_);
+        d_->indexFile_ = nullptr;
     }
     status = rc;
 }
 
-VELMDataFile::VELMDataFile(const VELMDataFile &other) : index_(new velmio::TimeIndex) { copyFrom(other); }
+VELMDataFile::VELMDataFile(const VELMDataFile &other) : d_(new Impl) { copyFrom(other); }
 
 VELMDataFile &VELMDataFile::operator=(const VELMDataFile &other) {
     if (this != &other) {
@@ -97,152 +97,168 @@ VELMDataFile &VELMDataFile::operator=(const VELMDataFile &other) {
 
 VELMDataFile::~VELMDataFile() { finish(); }
 
+AccessType VELMDataFile::accessType() const { return d_->accessType_; }
+
 void VELMDataFile::copyFrom(const VELMDataFile &other) {
-    summaryRecordSize_ = other.summaryRecordSize_;
-    dataRecordSize_ = other.dataRecordSize_;
-    posDataRecordSize_ = other.posDataRecordSize_;
-    posSummaryStatus_ = other.posSummaryStatus_;
-    posReferenceTime_ = other.posReferenceTime_;
-    posMinTime_ = other.posMinTime_;
-    posMaxTime_ = other.posMaxTime_;
-    posRecordCount_ = other.posRecordCount_;
-    dataPath_ = other.dataPath_;
-    indexPath_ = other.indexPath_;
-    numberOfRecords_ = other.numberOfRecords_;
-    typeWord_ = other.typeWord_;
-    fileVersion_ = other.fileVersion_;
-    dataVersion_ = other.dataVersion_;
-    summaryWritten_ = other.summaryWritten_;
-    currentRecord_ = other.currentRecord_;
-    description_ = other.description_;
-    timeScale_ = other.timeScale_;
-    summaryStatus_ = other.summaryStatus_;
-    dataStatus_ = other.dataStatus_;
-    referenceTime_ = other.referenceTime_;
-    minTime_ = other.minTime_;
-    maxTime_ = other.maxTime_;
-    summaryAttributes_ = other.summaryAttributes_;
-    dataAttributes_ = other.dataAttributes_;
-    recordBufferCapacity_ = other.recordBufferCapacity_;
-    variableLength_ = other.variableLength_;
+    d_->summaryRecordSize_ = other.d_->summaryRecordSize_;
+    d_->dataRecordSize_ = other.d_->dataRecordSize_;
+    d_->posDataRecordSize_ = other.d_->posDataRecordSize_;
+    d_->posSummaryStatus_ = other.d_->posSummaryStatus_;
+    d_->posReferenceTime_ = other.d_->posReferenceTime_;
+    d_->posMinTime_ = other.d_->posMinTime_;
+    d_->posMaxTime_ = other.d_->posMaxTime_;
+    d_->posRecordCount_ = other.d_->posRecordCount_;
+    d_->dataPath_ = other.d_->dataPath_;
+    d_->indexPath_ = other.d_->indexPath_;
+    d_->numberOfRecords_ = other.d_->numberOfRecords_;
+    d_->typeWord_ = other.d_->typeWord_;
+    d_->fileVersion_ = other.d_->fileVersion_;
+    d_->dataVersion_ = other.d_->dataVersion_;
+    d_->summaryWritten_ = other.d_->summaryWritten_;
+    d_->currentRecord_ = other.d_->currentRecord_;
+    d_->description_ = other.d_->description_;
+    d_->timeScale_ = other.d_->timeScale_;
+    d_->summaryStatus_ = other.d_->summaryStatus_;
+    d_->dataStatus_ = other.d_->dataStatus_;
+    d_->referenceTime_ = other.d_->referenceTime_;
+    d_->minTime_ = other.d_->minTime_;
+    d_->maxTime_ = other.d_->maxTime_;
+    d_->summaryAttributes_ = other.d_->summaryAttributes_;
+    d_->dataAttributes_ = other.d_->dataAttributes_;
+    d_->recordBufferCapacity_ = other.d_->recordBufferCapacity_;
+    d_->variableLength_ = other.d_->variableLength_;
 
     // The copy only reads: it never finishes, rewrites or deletes the file.
-    accessType_ = ACCESS_READ;
-    attributesOpen_ = false;
-    summaryDirty_ = false;
-    reposition_ = true;
-    createdData_ = createdIndex_ = false;
-    endOfData_ = 0;
-    indexFile_ = nullptr;
-    dataFile_ = nullptr;
-    fileSize_ = 0;
-    if (other.dataFile_) {
-        std::fflush(other.dataFile_);
-        dataFile_ = velmio::platform::openFile(dataPath_.c_str(), "rb");
-        if (dataFile_) {
-            std::int64_t size = velmio::platform::fileSize(dataFile_);
-            fileSize_ = size > 0 ? static_cast<std::uint64_t>(size) : 0;
+    d_->accessType_ = ACCESS_READ;
+    d_->attributesOpen_ = false;
+    d_->summaryDirty_ = false;
+    d_->reposition_ = true;
+    d_->createdData_ = d_->createdIndex_ = false;
+    d_->endOfData_ = 0;
+    d_->indexFile_ = nullptr;
+    d_->dataFile_ = nullptr;
+    d_->fileSize_ = 0;
+    if (other.d_->dataFile_) {
+        velmio::platform::flushFile(other.d_->dataFile_);
+        d_->dataFile_ = velmio::platform::openFile(d_->dataPath_.c_str(), "rb");
+        if (d_->dataFile_) {
+            std::int64_t size = velmio::platform::fileSize(d_->dataFile_);
+            d_->fileSize_ = size > 0 ? static_cast<std::uint64_t>(size) : 0;
         }
     }
 
-    summaryValues_.assign(other.summaryValues_.size(), zeroValue());
-    summaryCounts_ = other.summaryCounts_;
-    for (std::size_t i = 0; i < summaryValues_.size(); ++i)
-        if (!copyValue(summaryAttributes_[i].type, other.summaryValues_[i], summaryCounts_[i], summaryValues_[i]))
-            summaryCounts_[i] = 0;
-    currentValues_.assign(other.currentValues_.size(), zeroValue());
-    currentCounts_ = other.currentCounts_;
-    for (std::size_t i = 0; i < currentValues_.size(); ++i)
-        if (!copyValue(dataAttributes_[i].type, other.currentValues_[i], currentCounts_[i], currentValues_[i]))
-            currentCounts_[i] = 0;
+    d_->summaryValues_.assign(other.d_->summaryValues_.size(), zeroValue());
+    d_->summaryCounts_ = other.d_->summaryCounts_;
+    for (std::size_t i = 0; i < d_->summaryValues_.size(); ++i)
+        if (!copyValue(d_->summaryAttributes_[i].type, other.d_->summaryValues_[i], d_->summaryCounts_[i], d_->summaryValues_[i]))
+            d_->summaryCounts_[i] = 0;
+    d_->currentValues_.assign(other.d_->currentValues_.size(), zeroValue());
+    d_->currentCounts_ = other.d_->currentCounts_;
+    for (std::size_t i = 0; i < d_->currentValues_.size(); ++i)
+        if (!copyValue(d_->dataAttributes_[i].type, other.d_->currentValues_[i], d_->currentCounts_[i], d_->currentValues_[i]))
+            d_->currentCounts_[i] = 0;
 
-    index_->clear();
-    for (const _TOVO_TmIdxSet *set = other.index_->first(); set; set = set->next)
+    d_->index_->clear();
+    for (const _TOVO_TmIdxSet *set = other.d_->index_->first(); set; set = set->next)
         for (std::uint32_t i = 0; i < set->count; ++i)
-            if (index_->append(set->entries[i].encodedTime, set->entries[i].byteOffset) != 0) return;
+            if (d_->index_->append(set->entries[i].encodedTime, set->entries[i].byteOffset) != 0) return;
 }
 
-void VELMDataFile::finish() {
-    if (accessType_ == ACCESS_CREATE) {
-        if (numberOfRecords_ > 0 && dataFile_) {
-            if (indexFile_) TmIdxWrite();
-            UpdateSummary();
+int VELMDataFile::Close() { return finish(); }
+
+int VELMDataFile::finish() {
+    int rc = 0;
+    const auto keep = [&rc](int status) {
+        if (rc == 0) rc = status;
+    };
+    if (d_->accessType_ == ACCESS_CREATE) {
+        if (d_->numberOfRecords_ > 0 && d_->dataFile_) {
+            if (d_->indexFile_) keep(TmIdxWrite());
+            keep(UpdateSummary());
+            // A file that was created is on the disk once its handle is gone.
+            if (velmio::platform::syncFile(d_->dataFile_) != 0) keep(kCannotWrite);
+            if (d_->indexFile_ && velmio::platform::syncFile(d_->indexFile_) != 0) keep(velmio::kTmIdxWriteFailed);
         }
-        closeFiles();
+        keep(closeFiles());
         // A file without records is no file: leave nothing behind.
-        if (numberOfRecords_ == 0) {
-            if (createdData_) velmio::platform::removeFile(dataPath_.c_str());
-            if (createdIndex_) velmio::platform::removeFile(indexPath_.c_str());
+        if (d_->numberOfRecords_ == 0) {
+            if (d_->createdData_) velmio::platform::removeFile(d_->dataPath_.c_str());
+            if (d_->createdIndex_) velmio::platform::removeFile(d_->indexPath_.c_str());
         }
     } else {
-        if (accessType_ == ACCESS_UPDATE && summaryDirty_) UpdateSummary();
-        closeFiles();
+        if (d_->accessType_ == ACCESS_UPDATE && d_->summaryDirty_) keep(UpdateSummary());
+        keep(closeFiles());
     }
-    createdData_ = createdIndex_ = false;
-    for (std::size_t i = 0; i < summaryValues_.size(); ++i) FreeValue(summaryAttributes_[i].type, summaryValues_[i]);
-    for (std::size_t i = 0; i < currentValues_.size(); ++i) FreeValue(dataAttributes_[i].type, currentValues_[i]);
+    d_->createdData_ = d_->createdIndex_ = false;
+    for (std::size_t i = 0; i < d_->summaryValues_.size(); ++i) FreeValue(d_->summaryAttributes_[i].type, d_->summaryValues_[i]);
+    for (std::size_t i = 0; i < d_->currentValues_.size(); ++i) FreeValue(d_->dataAttributes_[i].type, d_->currentValues_[i]);
     TmIdxSetFree();
-    numberOfRecords_ = 0;
+    d_->numberOfRecords_ = 0;
+    // Closed for good: a second Close or the destructor has nothing to do.
+    d_->accessType_ = ACCESS_READ;
+    return rc;
 }
 
-void VELMDataFile::closeFiles() {
-    if (dataFile_) std::fclose(dataFile_);
-    if (indexFile_) std::fclose(indexFile_);
-    dataFile_ = indexFile_ = nullptr;
+int VELMDataFile::closeFiles() {
+    int rc = 0;
+    if (d_->dataFile_ && velmio::platform::closeFile(d_->dataFile_) != 0) rc = kCannotWrite;
+    if (d_->indexFile_ && velmio::platform::closeFile(d_->indexFile_) != 0 && rc == 0) rc = velmio::kTmIdxWriteFailed;
+    d_->dataFile_ = d_->indexFile_ = nullptr;
+    return rc;
 }
 
 // ---- validation record ----
 
 int VELMDataFile::TOVO_WriteDataValidationRecord() {
-    if (!dataFile_) return kValidationNotWritten;
+    if (!d_->dataFile_) return kValidationNotWritten;
     char buffer[16];
     XDR x;
     xdrmem_create(&x, buffer, sizeof buffer, XDR_ENCODE);
-    unsigned int units[4] = {kMagic, typeWord_, kDataRecordKind, fileVersion_};
+    unsigned int units[4] = {kMagic, d_->typeWord_, kDataRecordKind, d_->fileVersion_};
     for (unsigned int &u : units)
         if (!xdr_u_int(&x, &u)) return kValidationNotWritten;
-    if (std::fseek(dataFile_, 0, SEEK_SET) != 0 || std::fwrite(buffer, 4, 4, dataFile_) != 4)
+    if (velmio::platform::seekFile(d_->dataFile_, 0, SEEK_SET) != 0 || velmio::platform::writeFile(buffer, 4, 4, d_->dataFile_) != 4)
         return kValidationNotWritten;
     return 0;
 }
 
 int VELMDataFile::TOVO_ReadDataValidationRecord() {
-    if (!dataFile_) return kValidationMismatch;
+    if (!d_->dataFile_) return kValidationMismatch;
     char buffer[16];
-    if (std::fseek(dataFile_, 0, SEEK_SET) != 0 || std::fread(buffer, 4, 4, dataFile_) != 4)
+    if (velmio::platform::seekFile(d_->dataFile_, 0, SEEK_SET) != 0 || velmio::platform::readFile(buffer, 4, 4, d_->dataFile_) != 4)
         return kValidationMismatch;
     XDR x;
     xdrmem_create(&x, buffer, sizeof buffer, XDR_DECODE);
     unsigned int magic, type, kind, version;
-    if (!xdr_u_int(&x, &magic) || magic != kMagic || !xdr_u_int(&x, &type) || type != typeWord_ ||
+    if (!xdr_u_int(&x, &magic) || magic != kMagic || !xdr_u_int(&x, &type) || type != d_->typeWord_ ||
         !xdr_u_int(&x, &kind) || kind != kDataRecordKind || !xdr_u_int(&x, &version))
         return kValidationMismatch;
-    fileVersion_ = version;
+    d_->fileVersion_ = version;
     return 0;
 }
 
 // ---- summary ----
 
 unsigned int VELMDataFile::fixedRecordSize() const {
-    unsigned int size = fileVersion_ == 2 ? 12 : 8;
-    for (const Attribute &a : dataAttributes_)
+    unsigned int size = d_->fileVersion_ == 2 ? 12 : 8;
+    for (const Attribute &a : d_->dataAttributes_)
         if (!IsArrayType(a.type)) size += static_cast<unsigned int>(encodedSize(a.type, 1));
     return size;
 }
 
 int VELMDataFile::WriteSummary() {
-    if (!dataFile_) return kCannotWrite;
+    if (!d_->dataFile_) return kCannotWrite;
     try {
-        const std::string description = description_.toUtf8();
+        const std::string description = d_->description_.toUtf8();
         std::vector<std::string> summaryNames, dataNames;
-        for (const Attribute &a : summaryAttributes_) summaryNames.push_back(a.name.toUtf8());
-        for (const Attribute &a : dataAttributes_) dataNames.push_back(a.name.toUtf8());
+        for (const Attribute &a : d_->summaryAttributes_) summaryNames.push_back(a.name.toUtf8());
+        for (const Attribute &a : d_->dataAttributes_) dataNames.push_back(a.name.toUtf8());
 
         // The size first, so that the buffer is exactly the summary and a
         // summary over the format's 1,000,000 bytes is refused, not cut.
-        std::uint64_t size = 4 + (fileVersion_ == 2 ? 4 : 0) + 4 + 4 + pad4(description.size()) + 6 * 4 + 4 * 4;
-        for (std::size_t i = 0; i < summaryAttributes_.size(); ++i)
-            size += 8 + pad4(summaryNames[i].size()) + encodedSize(summaryAttributes_[i].type, summaryCounts_[i]);
+        std::uint64_t size = 4 + (d_->fileVersion_ == 2 ? 4 : 0) + 4 + 4 + pad4(description.size()) + 6 * 4 + 4 * 4;
+        for (std::size_t i = 0; i < d_->summaryAttributes_.size(); ++i)
+            size += 8 + pad4(summaryNames[i].size()) + encodedSize(d_->summaryAttributes_[i].type, d_->summaryCounts_[i]);
         size += 4;
         for (const std::string &name : dataNames) size += 8 + pad4(name.size());
         if (size > kSummaryLimit) {
@@ -251,7 +267,7 @@ int VELMDataFile::WriteSummary() {
             return kCannotWrite;
         }
 
-        dataRecordSize_ = fixedRecordSize();
+        d_->dataRecordSize_ = fixedRecordSize();
         std::vector<char> buffer(static_cast<std::size_t>(size));
         XDR x;
         xdrmem_create(&x, buffer.data(), static_cast<unsigned int>(size), XDR_ENCODE);
@@ -259,45 +275,45 @@ int VELMDataFile::WriteSummary() {
         unsigned int u;
         int i32;
         bool ok = xdr_u_int(&x, &zero);
-        if (ok && fileVersion_ == 2) ok = xdr_u_int(&x, &dataVersion_);
+        if (ok && d_->fileVersion_ == 2) ok = xdr_u_int(&x, &d_->dataVersion_);
         i32 = static_cast<int>(description.size());
         ok = ok && xdr_int(&x, &i32) && encodeText(&x, description);
-        posSummaryStatus_ = xdr_getpos(&x);
-        ok = ok && xdr_u_int(&x, &summaryStatus_);
-        posRecordCount_ = xdr_getpos(&x);
-        ok = ok && xdr_u_int(&x, &numberOfRecords_) && xdr_int(&x, &timeScale_);
-        posReferenceTime_ = xdr_getpos(&x);
-        ok = ok && xdr_int(&x, &referenceTime_);
-        posMinTime_ = xdr_getpos(&x);
-        i32 = ::TOVO_EncodeTime(minTime_, referenceTime_, timeScale_);
+        d_->posSummaryStatus_ = xdr_getpos(&x);
+        ok = ok && xdr_u_int(&x, &d_->summaryStatus_);
+        d_->posRecordCount_ = xdr_getpos(&x);
+        ok = ok && xdr_u_int(&x, &d_->numberOfRecords_) && xdr_int(&x, &d_->timeScale_);
+        d_->posReferenceTime_ = xdr_getpos(&x);
+        ok = ok && xdr_int(&x, &d_->referenceTime_);
+        d_->posMinTime_ = xdr_getpos(&x);
+        i32 = ::TOVO_EncodeTime(d_->minTime_, d_->referenceTime_, d_->timeScale_);
         ok = ok && xdr_int(&x, &i32);
-        posMaxTime_ = xdr_getpos(&x);
-        i32 = ::TOVO_EncodeTime(maxTime_, referenceTime_, timeScale_);
+        d_->posMaxTime_ = xdr_getpos(&x);
+        i32 = ::TOVO_EncodeTime(d_->maxTime_, d_->referenceTime_, d_->timeScale_);
         ok = ok && xdr_int(&x, &i32);
-        i32 = static_cast<int>(summaryAttributes_.size());
+        i32 = static_cast<int>(d_->summaryAttributes_.size());
         ok = ok && xdr_int(&x, &i32) && xdr_u_int(&x, &zero);
-        u = static_cast<unsigned int>(dataAttributes_.size());
+        u = static_cast<unsigned int>(d_->dataAttributes_.size());
         ok = ok && xdr_u_int(&x, &u) && xdr_u_int(&x, &zero);
-        for (std::size_t k = 0; ok && k < summaryAttributes_.size(); ++k) {
-            i32 = summaryAttributes_[k].type;
+        for (std::size_t k = 0; ok && k < d_->summaryAttributes_.size(); ++k) {
+            i32 = d_->summaryAttributes_[k].type;
             ok = xdr_int(&x, &i32) && encodeText(&x, summaryNames[k]);
         }
-        for (std::size_t k = 0; ok && k < summaryAttributes_.size(); ++k)
-            ok = encodeValue(&x, summaryAttributes_[k].type, summaryValues_[k], summaryCounts_[k]);
-        posDataRecordSize_ = xdr_getpos(&x);
-        ok = ok && xdr_u_int(&x, &dataRecordSize_);
-        for (std::size_t k = 0; ok && k < dataAttributes_.size(); ++k) {
-            i32 = dataAttributes_[k].type;
+        for (std::size_t k = 0; ok && k < d_->summaryAttributes_.size(); ++k)
+            ok = encodeValue(&x, d_->summaryAttributes_[k].type, d_->summaryValues_[k], d_->summaryCounts_[k]);
+        d_->posDataRecordSize_ = xdr_getpos(&x);
+        ok = ok && xdr_u_int(&x, &d_->dataRecordSize_);
+        for (std::size_t k = 0; ok && k < d_->dataAttributes_.size(); ++k) {
+            i32 = d_->dataAttributes_[k].type;
             ok = xdr_int(&x, &i32) && encodeText(&x, dataNames[k]);
         }
         // The length leads the summary; it is known only now.
         u = xdr_getpos(&x);
         ok = ok && u == size && xdr_setpos(&x, 0) && xdr_u_int(&x, &u);
         if (!ok) return kCannotWrite;
-        if (std::fseek(dataFile_, 16, SEEK_SET) != 0 || std::fwrite(buffer.data(), buffer.size(), 1, dataFile_) != 1)
+        if (velmio::platform::seekFile(d_->dataFile_, 16, SEEK_SET) != 0 || velmio::platform::writeFile(buffer.data(), buffer.size(), 1, d_->dataFile_) != 1)
             return kCannotWrite;
-        summaryRecordSize_ = u;
-        summaryWritten_ = true;
+        d_->summaryRecordSize_ = u;
+        d_->summaryWritten_ = true;
         return 0;
     } catch (const std::bad_alloc &) {
         return kNoMemory;
@@ -308,41 +324,41 @@ int VELMDataFile::ReadSummary() {
     int rc = TOVO_ReadDataValidationRecord();
     if (rc != 0) {
         velmio::say("VELMDataFile::ReadSummary(): '%s' is not a data file of type %u\n",
-                    velmio::printable(dataPath_.c_str()).c_str(), typeWord_);
+                    velmio::printable(d_->dataPath_.c_str()).c_str(), d_->typeWord_);
         return rc;
     }
-    std::int64_t fileBytes = velmio::platform::fileSize(dataFile_);
-    fileSize_ = fileBytes > 0 ? static_cast<std::uint64_t>(fileBytes) : 0;
+    std::int64_t fileBytes = velmio::platform::fileSize(d_->dataFile_);
+    d_->fileSize_ = fileBytes > 0 ? static_cast<std::uint64_t>(fileBytes) : 0;
 
     std::vector<Attribute> summaryAttributes, dataAttributes;
     std::vector<dataValue> summaryValues;
     std::vector<int> summaryCounts;
     auto corrupt = [&](const char *what) {
         for (std::size_t i = 0; i < summaryValues.size(); ++i) FreeValue(summaryAttributes[i].type, summaryValues[i]);
-        velmio::say("VELMDataFile::ReadSummary(): %s in '%s'\n", what, velmio::printable(dataPath_.c_str()).c_str());
+        velmio::say("VELMDataFile::ReadSummary(): %s in '%s'\n", what, velmio::printable(d_->dataPath_.c_str()).c_str());
         return kCannotRead;
     };
     try {
         char sizeBytes[4];
-        if (std::fseek(dataFile_, 16, SEEK_SET) != 0 || std::fread(sizeBytes, 4, 1, dataFile_) != 1)
+        if (velmio::platform::seekFile(d_->dataFile_, 16, SEEK_SET) != 0 || velmio::platform::readFile(sizeBytes, 4, 1, d_->dataFile_) != 1)
             return corrupt("no summary");
         XDR x;
         xdrmem_create(&x, sizeBytes, 4, XDR_DECODE);
         unsigned int size;
         xdr_u_int(&x, &size);
-        if (size < 4 || size > kSummaryLimit || 16 + std::uint64_t(size) > fileSize_)
+        if (size < 4 || size > kSummaryLimit || 16 + std::uint64_t(size) > d_->fileSize_)
             return corrupt("summary length out of bounds");
         std::vector<char> buffer(size);
         std::memcpy(buffer.data(), sizeBytes, 4);
-        if (size > 4 && std::fread(buffer.data() + 4, size - 4, 1, dataFile_) != 1) return corrupt("short summary");
+        if (size > 4 && velmio::platform::readFile(buffer.data() + 4, size - 4, 1, d_->dataFile_) != 1) return corrupt("short summary");
 
         xdrmem_create(&x, buffer.data(), size, XDR_DECODE);
-        unsigned int u, dataVersion = dataVersion_, status, records, dataRecordSize;
+        unsigned int u, dataVersion = d_->dataVersion_, status, records, dataRecordSize;
         int descriptionLength, scale, reference, minEncoded, maxEncoded, summaryCount, reserved;
         std::string text;
         unsigned int posStatus, posCount, posReference, posMin, posMax, posSize;
         bool ok = xdr_u_int(&x, &u);
-        if (ok && fileVersion_ == 2) ok = xdr_u_int(&x, &dataVersion);
+        if (ok && d_->fileVersion_ == 2) ok = xdr_u_int(&x, &dataVersion);
         ok = ok && xdr_int(&x, &descriptionLength) && decodeText(&x, kSummaryLimit, text) &&
              descriptionLength == static_cast<int>(text.size());
         if (!ok) return corrupt("bad description");
@@ -394,40 +410,40 @@ int VELMDataFile::ReadSummary() {
         }
 
         // Committed only now, so that a corrupt file leaves a clean object.
-        dataAttributes_.swap(dataAttributes);
+        d_->dataAttributes_.swap(dataAttributes);
         if (dataRecordSize != fixedRecordSize()) {
-            dataAttributes_.swap(dataAttributes);
+            d_->dataAttributes_.swap(dataAttributes);
             return corrupt("data record size does not match the attributes");
         }
-        summaryAttributes_.swap(summaryAttributes);
-        summaryValues_.swap(summaryValues);
-        summaryCounts_.swap(summaryCounts);
-        currentValues_.assign(dataAttributes_.size(), zeroValue());
-        currentCounts_.assign(dataAttributes_.size(), 0);
-        variableLength_ = false;
-        for (const Attribute &a : dataAttributes_) {
-            if (IsArrayType(a.type)) variableLength_ = true;
+        d_->summaryAttributes_.swap(summaryAttributes);
+        d_->summaryValues_.swap(summaryValues);
+        d_->summaryCounts_.swap(summaryCounts);
+        d_->currentValues_.assign(d_->dataAttributes_.size(), zeroValue());
+        d_->currentCounts_.assign(d_->dataAttributes_.size(), 0);
+        d_->variableLength_ = false;
+        for (const Attribute &a : d_->dataAttributes_) {
+            if (IsArrayType(a.type)) d_->variableLength_ = true;
         }
-        for (std::size_t i = 0; i < dataAttributes_.size(); ++i)
-            currentCounts_[i] = IsArrayType(dataAttributes_[i].type) ? 0 : 1;
-        summaryRecordSize_ = size;
-        dataVersion_ = dataVersion;
-        description_ = description;
-        summaryStatus_ = status;
-        numberOfRecords_ = records;
-        timeScale_ = scale;
-        referenceTime_ = reference;
-        minTime_ = ::TOVO_DecodeTime(reference, scale, minEncoded);
-        maxTime_ = ::TOVO_DecodeTime(reference, scale, maxEncoded);
-        dataRecordSize_ = dataRecordSize;
-        posSummaryStatus_ = posStatus;
-        posRecordCount_ = posCount;
-        posReferenceTime_ = posReference;
-        posMinTime_ = posMin;
-        posMaxTime_ = posMax;
-        posDataRecordSize_ = posSize;
-        summaryWritten_ = true;
-        reposition_ = true;
+        for (std::size_t i = 0; i < d_->dataAttributes_.size(); ++i)
+            d_->currentCounts_[i] = IsArrayType(d_->dataAttributes_[i].type) ? 0 : 1;
+        d_->summaryRecordSize_ = size;
+        d_->dataVersion_ = dataVersion;
+        d_->description_ = description;
+        d_->summaryStatus_ = status;
+        d_->numberOfRecords_ = records;
+        d_->timeScale_ = scale;
+        d_->referenceTime_ = reference;
+        d_->minTime_ = ::TOVO_DecodeTime(reference, scale, minEncoded);
+        d_->maxTime_ = ::TOVO_DecodeTime(reference, scale, maxEncoded);
+        d_->dataRecordSize_ = dataRecordSize;
+        d_->posSummaryStatus_ = posStatus;
+        d_->posRecordCount_ = posCount;
+        d_->posReferenceTime_ = posReference;
+        d_->posMinTime_ = posMin;
+        d_->posMaxTime_ = posMax;
+        d_->posDataRecordSize_ = posSize;
+        d_->summaryWritten_ = true;
+        d_->reposition_ = true;
         return 0;
     } catch (const std::bad_alloc &) {
         for (std::size_t i = 0; i < summaryValues.size(); ++i) FreeValue(summaryAttributes[i].type, summaryValues[i]);
@@ -436,65 +452,65 @@ int VELMDataFile::ReadSummary() {
 }
 
 int VELMDataFile::UpdateSummary() {
-    if (accessType_ != ACCESS_CREATE && accessType_ != ACCESS_UPDATE) return kWrongAccess;
-    if (!dataFile_) return kCannotWrite;
-    if (!summaryWritten_) return 0;  // nothing on disk yet
+    if (d_->accessType_ != ACCESS_CREATE && d_->accessType_ != ACCESS_UPDATE) return kWrongAccess;
+    if (!d_->dataFile_) return kCannotWrite;
+    if (!d_->summaryWritten_) return 0;  // nothing on disk yet
     struct Field {
         unsigned int position;
         unsigned int value;
     };
     const Field fields[] = {
-        {posSummaryStatus_, summaryStatus_},
-        {posReferenceTime_, static_cast<unsigned int>(referenceTime_)},
-        {posMinTime_, static_cast<unsigned int>(::TOVO_EncodeTime(minTime_, referenceTime_, timeScale_))},
-        {posMaxTime_, static_cast<unsigned int>(::TOVO_EncodeTime(maxTime_, referenceTime_, timeScale_))},
-        {posDataRecordSize_, dataRecordSize_},
-        {posRecordCount_, numberOfRecords_},
+        {d_->posSummaryStatus_, d_->summaryStatus_},
+        {d_->posReferenceTime_, static_cast<unsigned int>(d_->referenceTime_)},
+        {d_->posMinTime_, static_cast<unsigned int>(::TOVO_EncodeTime(d_->minTime_, d_->referenceTime_, d_->timeScale_))},
+        {d_->posMaxTime_, static_cast<unsigned int>(::TOVO_EncodeTime(d_->maxTime_, d_->referenceTime_, d_->timeScale_))},
+        {d_->posDataRecordSize_, d_->dataRecordSize_},
+        {d_->posRecordCount_, d_->numberOfRecords_},
     };
-    reposition_ = true;
+    d_->reposition_ = true;
     for (const Field &f : fields) {
         char unit[4];
         XDR x;
         xdrmem_create(&x, unit, 4, XDR_ENCODE);
         unsigned int v = f.value;
         xdr_u_int(&x, &v);
-        if (std::fseek(dataFile_, 16 + static_cast<long>(f.position), SEEK_SET) != 0 ||
-            std::fwrite(unit, 4, 1, dataFile_) != 1)
+        if (velmio::platform::seekFile(d_->dataFile_, 16 + static_cast<long>(f.position), SEEK_SET) != 0 ||
+            velmio::platform::writeFile(unit, 4, 1, d_->dataFile_) != 1)
             return kCannotWrite;
     }
-    if (std::fflush(dataFile_) != 0) return kCannotWrite;
-    summaryDirty_ = false;
+    if (velmio::platform::flushFile(d_->dataFile_) != 0) return kCannotWrite;
+    d_->summaryDirty_ = false;
     return 0;
 }
 
 // ---- the time index ----
 
-_TOVO_TmIdxSet *VELMDataFile::TmIdxSetAlloc() { return index_->allocSet(); }
+_TOVO_TmIdxSet *VELMDataFile::TmIdxSetAlloc() { return d_->index_->allocSet(); }
 
 int VELMDataFile::TmIdxRead() {
-    if (!indexFile_) return velmio::kTmIdxCannotOpen;
-    return index_->readFrom(indexFile_, typeWord_);
+    if (!d_->indexFile_) return velmio::kTmIdxCannotOpen;
+    return d_->index_->readFrom(d_->indexFile_, d_->typeWord_);
 }
 
 int VELMDataFile::TmIdxWrite() {
-    if (!indexFile_) return velmio::kTmIdxCannotOpen;
-    int rc = index_->writeTo(indexFile_, typeWord_, fileVersion_);
-    if (rc == 0 && std::fflush(indexFile_) != 0) rc = velmio::kTmIdxWriteFailed;
+    if (!d_->indexFile_) return velmio::kTmIdxCannotOpen;
+    int rc = d_->index_->writeTo(d_->indexFile_, d_->typeWord_, d_->fileVersion_);
+    if (rc == 0 && velmio::platform::flushFile(d_->indexFile_) != 0) rc = velmio::kTmIdxWriteFailed;
     return rc;
 }
 
-void VELMDataFile::TmIdxSetFree() { index_->clear(); }
+void VELMDataFile::TmIdxSetFree() { d_->index_->clear(); }
 
 int VELMDataFile::TmIdxEntry(int encodedTime) {
-    if (!dataFile_) return kBadArgument;
-    long position = std::ftell(dataFile_);
+    if (!d_->dataFile_) return kBadArgument;
+    long position = std::ftell(d_->dataFile_);
     if (position < 0 || static_cast<std::uint64_t>(position) > 0xFFFFFFFFu) return kBadArgument;
-    return index_->append(encodedTime, static_cast<std::uint32_t>(position));
+    return d_->index_->append(encodedTime, static_cast<std::uint32_t>(position));
 }
 
 int VELMDataFile::TmIdxMapIndexToByteOffset(unsigned int recordNumber, unsigned int &byteOffset) {
     std::uint32_t offset = 0;
-    int rc = index_->map(recordNumber, offset);
+    int rc = d_->index_->map(recordNumber, offset);
     if (rc == 0) byteOffset = offset;
     return rc;
 }

@@ -1,6 +1,7 @@
 // The attribute data file: declaring, querying and setting attributes.
 #include <velmio/data_file.hpp>
 
+#include "datafile/data_file_state.h"
 #include "datafile/value_codec.h"
 
 #include <cstdlib>
@@ -8,22 +9,22 @@
 
 using namespace velmio::datafile;
 
-unsigned int VELMDataFile::GetNumberOfAttributes() { return static_cast<unsigned int>(dataAttributes_.size()); }
+unsigned int VELMDataFile::GetNumberOfAttributes() { return static_cast<unsigned int>(d_->dataAttributes_.size()); }
 unsigned int VELMDataFile::GetNumberOfSummaryAttributes() {
-    return static_cast<unsigned int>(summaryAttributes_.size());
+    return static_cast<unsigned int>(d_->summaryAttributes_.size());
 }
-unsigned int VELMDataFile::GetNumberOfRecords() { return numberOfRecords_; }
-unsigned int VELMDataFile::GetFileVersionNumber() { return fileVersion_; }
-unsigned int VELMDataFile::GetDataVersionNumber() { return dataVersion_; }
-unsigned int VELMDataFile::GetSummeryRecordSize() { return summaryRecordSize_; }
-unsigned int VELMDataFile::GetDataRecordSize() { return dataRecordSize_; }
-unsigned int VELMDataFile::GetSummaryRecordStatus() { return summaryStatus_; }
-unsigned int VELMDataFile::GetDataRecordStatus() { return dataStatus_; }
-double VELMDataFile::GetMinTime() { return minTime_; }
-double VELMDataFile::GetMaxTime() { return maxTime_; }
+unsigned int VELMDataFile::GetNumberOfRecords() { return d_->numberOfRecords_; }
+unsigned int VELMDataFile::GetFileVersionNumber() { return d_->fileVersion_; }
+unsigned int VELMDataFile::GetDataVersionNumber() { return d_->dataVersion_; }
+unsigned int VELMDataFile::GetSummeryRecordSize() { return d_->summaryRecordSize_; }
+unsigned int VELMDataFile::GetDataRecordSize() { return d_->dataRecordSize_; }
+unsigned int VELMDataFile::GetSummaryRecordStatus() { return d_->summaryStatus_; }
+unsigned int VELMDataFile::GetDataRecordStatus() { return d_->dataStatus_; }
+double VELMDataFile::GetMinTime() { return d_->minTime_; }
+double VELMDataFile::GetMaxTime() { return d_->maxTime_; }
 
 unsigned int VELMDataFile::GetMinimumSummaryRecordSize() {
-    return 52 + 4 + static_cast<unsigned int>(pad4(description_.toUtf8().size()));
+    return 52 + 4 + static_cast<unsigned int>(pad4(d_->description_.toUtf8().size()));
 }
 
 // ---- freeing what was handed out ----
@@ -39,14 +40,14 @@ void VELMDataFile::FreeValues(const std::vector<dataType> &types, std::vector<da
 }
 
 void VELMDataFile::FreeRecordValues(std::vector<dataValue> &values) {
-    for (std::size_t i = 0; i < dataAttributes_.size() && i < values.size(); ++i)
-        FreeValue(dataAttributes_[i].type, values[i]);
+    for (std::size_t i = 0; i < d_->dataAttributes_.size() && i < values.size(); ++i)
+        FreeValue(d_->dataAttributes_[i].type, values[i]);
 }
 
 // ---- lookups ----
 
 int VELMDataFile::summaryIndex(int index) const {
-    const int count = static_cast<int>(summaryAttributes_.size());
+    const int count = static_cast<int>(d_->summaryAttributes_.size());
     if (index < 0 || index > count) return kBadArgument;
     // An index equal to the count passes the test above on purpose and is
     // caught by the list's own bounds check.
@@ -55,14 +56,14 @@ int VELMDataFile::summaryIndex(int index) const {
 }
 
 int VELMDataFile::findSummary(const MORVAUString &name) const {
-    for (std::size_t i = 0; i < summaryAttributes_.size(); ++i)
-        if (summaryAttributes_[i].name == name) return static_cast<int>(i);
+    for (std::size_t i = 0; i < d_->summaryAttributes_.size(); ++i)
+        if (d_->summaryAttributes_[i].name == name) return static_cast<int>(i);
     return -1;
 }
 
 int VELMDataFile::findData(const MORVAUString &name) const {
-    for (std::size_t i = 0; i < dataAttributes_.size(); ++i)
-        if (dataAttributes_[i].name == name) return static_cast<int>(i);
+    for (std::size_t i = 0; i < d_->dataAttributes_.size(); ++i)
+        if (d_->dataAttributes_[i].name == name) return static_cast<int>(i);
     return -1;
 }
 
@@ -72,10 +73,10 @@ int VELMDataFile::GetSummaryAttribute(int index, dataValue &value, int *count) {
     int rc = summaryIndex(index);
     if (rc != 0) return rc;
     dataValue copy;
-    if (!copyValue(summaryAttributes_[index].type, summaryValues_[index], summaryCounts_[index], copy))
+    if (!copyValue(d_->summaryAttributes_[index].type, d_->summaryValues_[index], d_->summaryCounts_[index], copy))
         return kNoMemory;
     value = copy;
-    if (count) *count = summaryCounts_[index];
+    if (count) *count = d_->summaryCounts_[index];
     return 0;
 }
 
@@ -120,7 +121,7 @@ int VELMDataFile::CopyAttributes(const std::vector<Attribute> &attributes, const
 
 int VELMDataFile::GetAllSummaryAttributes(std::vector<MORVAUString> &names, std::vector<dataType> &types,
                                           std::vector<dataValue> &values, std::vector<int> &counts) {
-    return CopyAttributes(summaryAttributes_, summaryValues_, summaryCounts_, names, types, values, &counts);
+    return CopyAttributes(d_->summaryAttributes_, d_->summaryValues_, d_->summaryCounts_, names, types, values, &counts);
 }
 
 int VELMDataFile::GetAllSummaryAttributes(std::vector<MORVAUString> &names, std::vector<dataType> &types,
@@ -137,43 +138,43 @@ int VELMDataFile::GetAllSummaryAttributes(std::vector<MORVAUString> &names, std:
 }
 
 int VELMDataFile::SetSummaryAttribute(int index, dataValue value, int count) {
-    if (accessType_ != ACCESS_CREATE && accessType_ != ACCESS_UPDATE) return kWrongAccess;
+    if (d_->accessType_ != ACCESS_CREATE && d_->accessType_ != ACCESS_UPDATE) return kWrongAccess;
     int rc = summaryIndex(index);
     if (rc != 0) return rc;
-    const dataType type = summaryAttributes_[index].type;
+    const dataType type = d_->summaryAttributes_[index].type;
     if (IsArrayType(type) && (count < 0 || (count > 0 && !value.ptr))) return kBadArgument;
     dataValue copy;
     if (!copyValue(type, value, count, copy)) return kNoMemory;
-    FreeValue(type, summaryValues_[index]);
-    summaryValues_[index] = copy;
-    summaryCounts_[index] = IsArrayType(type) ? count : 1;
-    summaryDirty_ = true;
+    FreeValue(type, d_->summaryValues_[index]);
+    d_->summaryValues_[index] = copy;
+    d_->summaryCounts_[index] = IsArrayType(type) ? count : 1;
+    d_->summaryDirty_ = true;
     return 0;
 }
 
 int VELMDataFile::SetSummaryAttribute(const MORVAUString &name, dataValue value, int count) {
-    if (accessType_ != ACCESS_CREATE && accessType_ != ACCESS_UPDATE) return kWrongAccess;
+    if (d_->accessType_ != ACCESS_CREATE && d_->accessType_ != ACCESS_UPDATE) return kWrongAccess;
     int index = findSummary(name);
     if (index < 0) return kNoSuchAttribute;
     return SetSummaryAttribute(index, value, count);
 }
 
 int VELMDataFile::SetSummaryRecordStatus(unsigned int status) {
-    if (accessType_ != ACCESS_CREATE && accessType_ != ACCESS_UPDATE) return kWrongAccess;
-    summaryStatus_ = status;
-    summaryDirty_ = true;
+    if (d_->accessType_ != ACCESS_CREATE && d_->accessType_ != ACCESS_UPDATE) return kWrongAccess;
+    d_->summaryStatus_ = status;
+    d_->summaryDirty_ = true;
     return 0;
 }
 
 // ---- data attributes ----
 
 int VELMDataFile::GetDataAttribute(unsigned int index, dataValue &value, int *count) {
-    if (index >= dataAttributes_.size()) return kBadArgument;
+    if (index >= d_->dataAttributes_.size()) return kBadArgument;
     dataValue copy;
-    if (!copyValue(dataAttributes_[index].type, currentValues_[index], currentCounts_[index], copy))
+    if (!copyValue(d_->dataAttributes_[index].type, d_->currentValues_[index], d_->currentCounts_[index], copy))
         return kNoMemory;
     value = copy;
-    if (count) *count = currentCounts_[index];
+    if (count) *count = d_->currentCounts_[index];
     return 0;
 }
 
@@ -185,14 +186,14 @@ int VELMDataFile::GetDataAttribute(const MORVAUString &name, dataValue &value, i
 
 int VELMDataFile::GetAllDataAttributes(std::vector<MORVAUString> &names, std::vector<dataType> &types,
                                        std::vector<dataValue> &values, std::vector<int> *counts) {
-    return CopyAttributes(dataAttributes_, currentValues_, currentCounts_, names, types, values, counts);
+    return CopyAttributes(d_->dataAttributes_, d_->currentValues_, d_->currentCounts_, names, types, values, counts);
 }
 
 int VELMDataFile::GetAttributesName(std::vector<MORVAUString> &names, std::vector<dataType> &types) {
     try {
         std::vector<MORVAUString> outNames;
         std::vector<dataType> outTypes;
-        for (const Attribute &a : dataAttributes_) {
+        for (const Attribute &a : d_->dataAttributes_) {
             outNames.push_back(a.name);
             outTypes.push_back(a.type);
         }
@@ -211,20 +212,20 @@ int VELMDataFile::GetAttributeIndex(unsigned int &index, const MORVAUString &nam
 }
 
 int VELMDataFile::SetDataAttribute(unsigned int index, dataValue value, int count) {
-    if (accessType_ != ACCESS_CREATE) return kWrongAccess;
-    if (index >= dataAttributes_.size()) return kBadArgument;
-    const dataType type = dataAttributes_[index].type;
+    if (d_->accessType_ != ACCESS_CREATE) return kWrongAccess;
+    if (index >= d_->dataAttributes_.size()) return kBadArgument;
+    const dataType type = d_->dataAttributes_[index].type;
     if (IsArrayType(type) && (count < 0 || (count > 0 && !value.ptr))) return kBadArgument;
     dataValue copy;
     if (!copyValue(type, value, count, copy)) return kNoMemory;
-    FreeValue(type, currentValues_[index]);
-    currentValues_[index] = copy;
-    currentCounts_[index] = IsArrayType(type) ? count : 1;
+    FreeValue(type, d_->currentValues_[index]);
+    d_->currentValues_[index] = copy;
+    d_->currentCounts_[index] = IsArrayType(type) ? count : 1;
     return 0;
 }
 
 int VELMDataFile::SetDataAttribute(const MORVAUString &name, dataValue value, int count) {
-    if (accessType_ != ACCESS_CREATE) return kWrongAccess;
+    if (d_->accessType_ != ACCESS_CREATE) return kWrongAccess;
     int index = findData(name);
     if (index < 0) return kNoSuchAttribute;
     return SetDataAttribute(static_cast<unsigned int>(index), value, count);
@@ -233,43 +234,46 @@ int VELMDataFile::SetDataAttribute(const MORVAUString &name, dataValue value, in
 // ---- declarations ----
 
 int VELMDataFile::AddAttribute(dataType type, const MORVAUString &name) {
-    if (accessType_ != ACCESS_CREATE) return kWrongAccess;
-    if (!attributesOpen_) return kAttributesClosed;
+    if (d_->accessType_ != ACCESS_CREATE) return kWrongAccess;
+    if (!d_->attributesOpen_) return kAttributesClosed;
     if (!validType(type)) return kBadArgument;
     try {
         if (name.toUtf8().size() > kMaxNameBytes) return kBadArgument;
-        dataAttributes_.reserve(dataAttributes_.size() + 1);
-        currentValues_.reserve(dataAttributes_.size() + 1);
-        currentCounts_.reserve(dataAttributes_.size() + 1);
-        dataAttributes_.push_back({type, name});
+        d_->dataAttributes_.reserve(d_->dataAttributes_.size() + 1);
+        d_->currentValues_.reserve(d_->dataAttributes_.size() + 1);
+        d_->currentCounts_.reserve(d_->dataAttributes_.size() + 1);
+        d_->dataAttributes_.push_back({type, name});
     } catch (const std::bad_alloc &) {
         return kNoMemory;
     }
     dataValue empty;
     empty.d = 0;
-    currentValues_.push_back(empty);
-    currentCounts_.push_back(IsArrayType(type) ? 0 : 1);
-    if (IsArrayType(type)) variableLength_ = true;
-    dataRecordSize_ = fixedRecordSize();
+    d_->currentValues_.push_back(empty);
+    d_->currentCounts_.push_back(IsArrayType(type) ? 0 : 1);
+    if (IsArrayType(type)) d_->variableLength_ = true;
+    d_->dataRecordSize_ = fixedRecordSize();
     return 0;
 }
 
 int VELMDataFile::AddSummaryAttribute(dataType type, const MORVAUString &name) {
-    if (accessType_ != ACCESS_CREATE) return kWrongAccess;
-    if (!attributesOpen_) return kAttributesClosed;
+    if (d_->accessType_ != ACCESS_CREATE) return kWrongAccess;
+    if (!d_->attributesOpen_) return kAttributesClosed;
     if (!validType(type)) return kBadArgument;
     try {
         if (name.toUtf8().size() > kMaxNameBytes) return kBadArgument;
-        summaryAttributes_.reserve(summaryAttributes_.size() + 1);
-        summaryValues_.reserve(summaryAttributes_.size() + 1);
-        summaryCounts_.reserve(summaryAttributes_.size() + 1);
-        summaryAttributes_.push_back({type, name});
+        d_->summaryAttributes_.reserve(d_->summaryAttributes_.size() + 1);
+        d_->summaryValues_.reserve(d_->summaryAttributes_.size() + 1);
+        d_->summaryCounts_.reserve(d_->summaryAttributes_.size() + 1);
+        d_->summaryAttributes_.push_back({type, name});
     } catch (const std::bad_alloc &) {
         return kNoMemory;
     }
     dataValue empty;
     empty.d = 0;
-    summaryValues_.push_back(empty);
-    summaryCounts_.push_back(0);
+    d_->summaryValues_.push_back(empty);
+    d_->summaryCounts_.push_back(0);
     return 0;
 }
+
+const std::vector<VELMDataFile::Attribute> &VELMDataFile::dataAttributes() const { return d_->dataAttributes_; }
+const std::vector<VELMDataFile::Attribute> &VELMDataFile::summaryAttributes() const { return d_->summaryAttributes_; }

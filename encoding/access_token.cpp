@@ -22,7 +22,8 @@ extern "C" VELMIO_API int TOVO_DecodeAccessTypeToken(const wchar_t *token) {
     static const struct {
         const wchar_t *name;
         int mode;
-    } kTokens[] = {{L"create", TOVO_ACCESS_CREATE}, {L"query", TOVO_ACCESS_QUERY}, {L"update", TOVO_ACCESS_UPDATE}};
+    } kTokens[] = {
+        {L"create", VELMIO_ACCESS_CREATE}, {L"query", VELMIO_ACCESS_QUERY}, {L"update", VELMIO_ACCESS_UPDATE}};
     for (const auto &t : kTokens)
         if (folded == t.name) return t.mode;
     velmio::say("TOVO_DecodeAccessTypeToken: token type invalid (unknown)\n");

@@ -1,5 +1,7 @@
 #include "encoding/xdr.h"
 
+#include "platform/stdio_file.h"
+
 #include <climits>
 #include <cstdlib>
 #include <cstring>
@@ -93,35 +95,35 @@ std::FILE *fileOf(XDR *x) { return reinterpret_cast<std::FILE *>(x->x_private); 
 
 bool_t stdio_getlong(XDR *x, std::int32_t *lp) {
     std::uint32_t raw;
-    if (std::fread(&raw, 4, 1, fileOf(x)) != 1) return 0;
+    if (velmio::platform::readFile(&raw, 4, 1, fileOf(x)) != 1) return 0;
     *lp = static_cast<std::int32_t>(fromBig(raw));
     return 1;
 }
 
 bool_t stdio_putlong(XDR *x, const std::int32_t *lp) {
     std::uint32_t raw = toBig(static_cast<std::uint32_t>(*lp));
-    return std::fwrite(&raw, 4, 1, fileOf(x)) == 1;
+    return velmio::platform::writeFile(&raw, 4, 1, fileOf(x)) == 1;
 }
 
 bool_t stdio_getbytes(XDR *x, char *addr, unsigned int len) {
     if (len == 0) return 1;
-    return std::fread(addr, len, 1, fileOf(x)) == 1;
+    return velmio::platform::readFile(addr, len, 1, fileOf(x)) == 1;
 }
 
 bool_t stdio_putbytes(XDR *x, const char *addr, unsigned int len) {
     if (len == 0) return 1;
-    return std::fwrite(addr, len, 1, fileOf(x)) == 1;
+    return velmio::platform::writeFile(addr, len, 1, fileOf(x)) == 1;
 }
 
 unsigned int stdio_getpos(XDR *x) { return static_cast<unsigned int>(std::ftell(fileOf(x))); }
 
 bool_t stdio_setpos(XDR *x, unsigned int pos) {
-    return std::fseek(fileOf(x), static_cast<long>(pos), SEEK_SET) >= 0;
+    return velmio::platform::seekFile(fileOf(x), static_cast<long>(pos), SEEK_SET) >= 0;
 }
 
 std::int32_t *stdio_inline(XDR *, unsigned int) { return nullptr; }
 
-void stdio_destroy(XDR *x) { std::fflush(fileOf(x)); }
+void stdio_destroy(XDR *x) { velmio::platform::flushFile(fileOf(x)); }
 
 const xdr_ops kStdioOps = {stdio_getlong, stdio_putlong, stdio_getbytes, stdio_putbytes,
                            stdio_getpos,  stdio_setpos,  stdio_inline,   stdio_destroy};

@@ -14,6 +14,11 @@ void say(const char *format, ...)
 #endif
     ;
 
+// Whether say() prints: on at start; embedding programs (the Python module)
+// turn it off and on for the whole process.
+void setDiagnosticsEnabled(bool enabled);
+bool diagnosticsEnabled();
+
 // A wide text made printable with "%s" (UTF-8); null gives "".
 std::string printable(const wchar_t *text);
 

@@ -42,8 +42,8 @@ struct Family {
 };
 
 const Family kFamilies[] = {
-    {"Gyro", Kind::Simple, 1, SIMPLE_SENSOR_RADIANS, false},
-    {"Heave", Kind::Simple, 2, SIMPLE_SENSOR_METRES, false},
+    {"Gyro", Kind::Simple, 1, VELMIO_SIMPLE_SENSOR_RADIANS, false},
+    {"Heave", Kind::Simple, 2, VELMIO_SIMPLE_SENSOR_METRES, false},
     {"Navigation", Kind::Navigation, 0, 0, false},
     {"SSSNavigation", Kind::Navigation, 0, 0, true},
     {"ObservedDepths", Kind::ObservedDepths, 0, 0, false},

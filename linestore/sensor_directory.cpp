@@ -42,8 +42,8 @@ std::uint32_t recordedType(std::uint32_t id) {
 }
 
 const char *stdioMode(std::uint32_t mode) {
-    if (mode == TOVO_ACCESS_CREATE) return "wb";
-    if (mode == TOVO_ACCESS_QUERY) return "rb";
+    if (mode == VELMIO_ACCESS_CREATE) return "wb";
+    if (mode == VELMIO_ACCESS_QUERY) return "rb";
     return "rb+";
 }
 
@@ -93,7 +93,7 @@ extern "C" VELMIO_API TOVO_Sensor *SensorOpenDir(const wchar_t *lineDirectory, u
         }
         const std::uint32_t accessMode = static_cast<std::uint32_t>(mode);
         std::wstring dataPath = joined(lineDirectory, name);
-        if (accessMode != TOVO_ACCESS_CREATE && !platform::pathExists(dataPath.c_str())) {
+        if (accessMode != VELMIO_ACCESS_CREATE && !platform::pathExists(dataPath.c_str())) {
             error = 5000046;
             return nullptr;
         }

@@ -2,6 +2,8 @@
 
 #include "encoding/xdr.h"
 #include "foundation/diagnostics.h"
+#include "linestore/byte_source.h"
+#include "platform/file_io.h"
 #include "platform/files.h"
 
 #include <algorithm>
@@ -179,61 +181,109 @@ int TimeIndex::write(const wchar_t *path, std::uint32_t typeId, std::uint32_t fo
     return rc;
 }
 
-int TimeIndex::readFrom(std::FILE *file, std::uint32_t typeId) {
-    XDR x;
-    xdrstdio_create(&x, file, XDR_DECODE);
-    unsigned int magic, type, version, formatVersion, sets, capacity;
-    if (!xdr_u_int(&x, &magic) || magic != kMagic || !xdr_u_int(&x, &type) || type != typeId ||
-        !xdr_u_int(&x, &version) || version != kRecordVersion || !xdr_u_int(&x, &formatVersion) ||
-        !xdr_u_int(&x, &sets) || !xdr_u_int(&x, &capacity))
-        return kTmIdxInvalid;
+namespace {
+
+struct StreamReader final : TimeIndex::ChunkReader {
+    explicit StreamReader(std::FILE *f) : file(f) {}
+    std::int64_t get(void *out, std::size_t n) override {
+        const std::size_t got = std::fread(out, 1, n, file);
+        return got < n && std::ferror(file) ? -1 : static_cast<std::int64_t>(got);
+    }
+    std::FILE *file;
+};
+
+struct DescriptorReader final : TimeIndex::ChunkReader {
+    explicit DescriptorReader(int f) : fd(f) {}
+    std::int64_t get(void *out, std::size_t n) override { return platform::readNext(fd, out, n); }
+    int fd;
+};
+
+constexpr std::size_t kHeaderBytes = 24;
+
+// The six header words; false when they do not describe a time index of typeId.
+bool parseHeader(const unsigned char *b, std::uint32_t typeId, std::uint32_t &sets, std::uint32_t &capacity) {
+    sets = loadBe32(b + 16);
+    capacity = loadBe32(b + 20);
+    return loadBe32(b) == kMagic && loadBe32(b + 4) == typeId && loadBe32(b + 8) == kRecordVersion;
+}
+
+}  // namespace
+
+int TimeIndex::readBody(ChunkReader &in, std::uint32_t sets, std::uint32_t capacity, std::int64_t remaining) {
     // Every set costs 16 bytes of the file at least (its header and its
     // array count) and every entry 8: counts the rest of the file cannot
     // hold are refused before anything is allocated from them, and the
     // entry arrays of sets read are sized by their counts, not the capacity.
-    const long here = std::ftell(file);
-    const std::int64_t size = platform::fileSize(file);
-    const std::int64_t remaining = (size >= 0 && here >= 0) ? size - here : 0;
     if (static_cast<std::int64_t>(sets) * 16 > remaining) return kTmIdxInvalid;
     capacity_ = capacity;
-    std::vector<unsigned int> counts;
-    std::vector<std::int32_t> mins, maxs;
+    std::vector<unsigned char> headers, chunk;
     try {
-        counts.resize(sets);
-        mins.resize(sets);
-        maxs.resize(sets);
+        headers.resize(static_cast<std::size_t>(sets) * 12);
     } catch (const std::bad_alloc &) {
         return kTmIdxNoMemory;
     }
+    if (in.get(headers.data(), headers.size()) != static_cast<std::int64_t>(headers.size())) return kTmIdxInvalid;
     std::uint64_t total = 0;
-    for (unsigned int i = 0; i < sets; ++i) {
-        if (!xdr_u_int(&x, &counts[i]) || !xdr_int(&x, &mins[i]) || !xdr_int(&x, &maxs[i])) return kTmIdxInvalid;
-        if (counts[i] > capacity_) return kTmIdxInvalid;
-        total += counts[i];
+    for (std::uint32_t i = 0; i < sets; ++i) {
+        const std::uint32_t count = loadBe32(&headers[12 * i]);
+        if (count > capacity_) return kTmIdxInvalid;
+        total += count;
     }
     if (total * 8 + static_cast<std::uint64_t>(sets) * 4 > static_cast<std::uint64_t>(remaining)) return kTmIdxInvalid;
-    for (unsigned int i = 0; i < sets; ++i) {
-        _TOVO_TmIdxSet *s = allocSet(counts[i]);
+    for (std::uint32_t i = 0; i < sets; ++i) {
+        const std::uint32_t count = loadBe32(&headers[12 * i]);
+        _TOVO_TmIdxSet *s = allocSet(count);
         if (!s) return kTmIdxNoMemory;
-        s->minTime = mins[i];
-        s->maxTime = maxs[i];
-        unsigned int count;
-        if (!xdr_u_int(&x, &count) || count != counts[i]) return kTmIdxInvalid;
-        for (unsigned int k = 0; k < count; ++k) {
-            if (!xdr_int(&x, &s->entries[k].encodedTime) || !xdr_u_int(&x, &s->entries[k].byteOffset))
-                return kTmIdxInvalid;
-            ++s->count;
-            ++entryCount_;
+        s->minTime = static_cast<std::int32_t>(loadBe32(&headers[12 * i + 4]));
+        s->maxTime = static_cast<std::int32_t>(loadBe32(&headers[12 * i + 8]));
+        const std::size_t bytes = 4 + static_cast<std::size_t>(count) * 8;
+        try {
+            if (chunk.size() < bytes) chunk.resize(bytes);
+        } catch (const std::bad_alloc &) {
+            return kTmIdxNoMemory;
         }
+        const std::int64_t got = in.get(chunk.data(), bytes);
+        if (got < 4 || loadBe32(chunk.data()) != count) return kTmIdxInvalid;
+        // Entries wholly present are kept, as a read word by word would.
+        const std::uint32_t present = static_cast<std::uint32_t>((got - 4) / 8);
+        for (std::uint32_t k = 0; k < present; ++k) {
+            s->entries[k].encodedTime = static_cast<std::int32_t>(loadBe32(&chunk[4 + 8 * k]));
+            s->entries[k].byteOffset = loadBe32(&chunk[8 + 8 * k]);
+        }
+        s->count = present;
+        entryCount_ += present;
+        if (present != count) return kTmIdxInvalid;
     }
     return 0;
 }
 
+int TimeIndex::readFrom(std::FILE *file, std::uint32_t typeId) {
+    unsigned char header[kHeaderBytes];
+    std::uint32_t sets = 0, capacity = 0;
+    if (std::fread(header, 1, kHeaderBytes, file) != kHeaderBytes || !parseHeader(header, typeId, sets, capacity))
+        return kTmIdxInvalid;
+    const long here = std::ftell(file);
+    const std::int64_t size = platform::fileSize(file);
+    const std::int64_t remaining = (size >= 0 && here >= 0) ? size - here : 0;
+    StreamReader in(file);
+    return readBody(in, sets, capacity, remaining);
+}
+
 int TimeIndex::read(const wchar_t *path, std::uint32_t typeId) {
-    std::FILE *f = platform::openFile(path, "rb");
-    if (!f) return kTmIdxCannotOpen;
-    int rc = readFrom(f, typeId);
-    if (std::fclose(f) != 0 && rc == 0) rc = kTmIdxCloseFailed;
+    const int fd = platform::openForReading(path);
+    if (fd < 0) return kTmIdxCannotOpen;
+    DescriptorReader in(fd);
+    unsigned char header[kHeaderBytes];
+    std::uint32_t sets = 0, capacity = 0;
+    int rc = 0;
+    const std::int64_t size = platform::sizeOf(fd);
+    if (in.get(header, kHeaderBytes) != static_cast<std::int64_t>(kHeaderBytes) ||
+        !parseHeader(header, typeId, sets, capacity)) {
+        rc = kTmIdxInvalid;
+    } else {
+        rc = readBody(in, sets, capacity, size >= 0 ? size - static_cast<std::int64_t>(kHeaderBytes) : 0);
+    }
+    if (!platform::closeFile(fd) && rc == 0) rc = kTmIdxCloseFailed;
     return rc;
 }
 

@@ -6,6 +6,7 @@
 #ifndef VELMIO_LINESTORE_TIME_INDEX_H
 #define VELMIO_LINESTORE_TIME_INDEX_H
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <vector>
@@ -83,8 +84,18 @@ public:
     _TOVO_TmIdxSet *first() const { return first_; }
     _TOVO_TmIdxSet *last() const { return last_; }
 
+    // Where read() and readFrom() take their bytes: up to n bytes, the count
+    // read (fewer only at the end), or -1.
+    struct ChunkReader {
+        virtual ~ChunkReader() = default;
+        virtual std::int64_t get(void *out, std::size_t n) = 0;
+    };
+
 private:
     _TOVO_TmIdxSet *allocSet(std::uint32_t room);
+    // The file form after its header words, each set's entries taken with
+    // one read; remaining is what the file holds behind the header.
+    int readBody(ChunkReader &in, std::uint32_t sets, std::uint32_t capacity, std::int64_t remaining);
 
     std::uint32_t setCount_ = 0;
     std::uint32_t capacity_ = kDefaultCapacity;

@@ -1,11 +1,14 @@
 #include "platform/files.h"
 
 #include "foundation/utf8.h"
+#include "platform/fault_injection.h"
 #include "platform/native_path.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <filesystem>
 #include <sys/stat.h>
 
 #if defined(_WIN32)
@@ -24,6 +27,7 @@ std::FILE *openFile(const wchar_t *path, const char *mode) {
         errno = ENOENT;
         return nullptr;
     }
+    if (injectFault(FileOp::Open)) return nullptr;
     return std::fopen(nativePath(path).c_str(), mode);
 }
 
@@ -72,6 +76,7 @@ bool removeFile(const wchar_t *path) {
 
 bool renameFile(const wchar_t *from, const wchar_t *to) {
     if (!from || !to) return false;
+    if (injectFault(FileOp::Rename)) return false;
 #if defined(_WIN32)
     // rename() never replaces an existing target there.
     return MoveFileExW(fromUtf8(nativePath(from)).c_str(), fromUtf8(nativePath(to)).c_str(),
@@ -79,6 +84,21 @@ bool renameFile(const wchar_t *from, const wchar_t *to) {
 #else
     return std::rename(nativePath(from).c_str(), nativePath(to).c_str()) == 0;
 #endif
+}
+
+bool listSubdirectories(const wchar_t *path, std::vector<std::wstring> &names) {
+    names.clear();
+    if (!path) return false;
+    std::error_code error;
+    std::filesystem::directory_iterator it(std::filesystem::u8path(nativePath(path)), error), end;
+    if (error) return false;
+    for (; it != end; it.increment(error)) {
+        if (error) return false;
+        std::error_code kind;
+        if (it->is_directory(kind)) names.push_back(fromUtf8(it->path().filename().u8string()));
+    }
+    std::sort(names.begin(), names.end());
+    return true;
 }
 
 bool makeDirectory(const wchar_t *path) {
@@ -134,6 +154,7 @@ bool absolutePath(const wchar_t *path, std::wstring &out) {
 
 std::wstring temporarySibling(const wchar_t *target) {
     if (!target) return L"";
+    if (injectFault(FileOp::Open)) return L"";
     std::wstring dir(target);
     std::size_t cut = dir.find_last_of(L"/\\");
     dir = (cut == std::wstring::npos) ? std::wstring(L".") : dir.substr(0, cut);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace velmio::platform {
 
@@ -18,6 +19,8 @@ std::int64_t fileSize(const wchar_t *path);
 std::int64_t fileSize(std::FILE *file);
 bool removeFile(const wchar_t *path);
 bool renameFile(const wchar_t *from, const wchar_t *to);
+// Names of the directories in path, sorted; false when path cannot be listed.
+bool listSubdirectories(const wchar_t *path, std::vector<std::wstring> &names);
 // Makes one directory; true when it exists afterwards.
 bool makeDirectory(const wchar_t *path);
 // Absolute form of a path without resolving links; false on failure.

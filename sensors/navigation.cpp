@@ -63,9 +63,12 @@ constexpr platform::OpenFailureCodes kSegmentOpenCodes = {5000132, 5000133, 5000
 
 constexpr ExtentKind kKinds[kMaxExtents] = {ExtentKind::Time, ExtentKind::Latitude, ExtentKind::Longitude};
 
+constexpr std::uint32_t kRecordBytes = 20;  // status, time, latitude, longitude, metres
+static_assert(kRecordBytes <= RecordState::kMaxRecordBytes, "the record buffer holds a record");
+
 const RecordFamily kNavigationRecords = {
     1,
-    20,
+    kRecordBytes,
     14,
     kSummary,
     kSummaryMessages,
@@ -84,7 +87,7 @@ const RecordFamily kNavigationRecords = {
 // The twin reads its files with the same steps and codes, silently.
 const RecordFamily kSSSNavigationRecords = {
     1,
-    20,
+    kRecordBytes,
     14,
     kSummary,
     nullptr,
@@ -190,7 +193,7 @@ bool modeAllows(const TOVO_Sensor &h, Needs needs) {
     switch (needs) {
     case Needs::Any: return true;
     case Needs::ReadOrUpdate: return !isCreate(h);
-    case Needs::Query: return h.accessMode == TOVO_ACCESS_QUERY;
+    case Needs::Query: return h.accessMode == VELMIO_ACCESS_QUERY;
     case Needs::Create: return isCreate(h);
     case Needs::Update: return isUpdate(h);
     }
@@ -210,19 +213,16 @@ int check(const NavigationFamily &f, Operation op, TOVO_Sensor *h, NavigationSta
     return state ? 0 : kMissingOutput;
 }
 
-int decodeRecord(TOVO_Sensor &h, double *time, double *latitude, double *longitude, double *metres,
-                 unsigned int *status) {
-    XDR &x = h.decodeStream;
-    unsigned int word = 0;
-    int t = 0, lat = 0, lon = 0, m = 0;
-    if (!xdr_u_int(&x, &word) || !xdr_int(&x, &t) || !xdr_int(&x, &lat) || !xdr_int(&x, &lon) || !xdr_int(&x, &m))
-        return kNavigationRecords.code(kNotDecodable);
-    *time = TOVO_DecodeTime(h.referenceTime, h.timeScale, t);
-    *latitude = TOVO_DecodePosition(h.referenceLatitude, h.positionScale, lat);
-    *longitude = TOVO_DecodePosition(h.referenceLongitude, h.positionScale, lon);
-    *metres = TOVO_DecodeMeters(m);
-    *status = word;
-    return 0;
+// A record's words: status, time, latitude, longitude, metres. Null outputs
+// are skipped.
+void decodeRecord(const TOVO_Sensor &h, const unsigned char *bytes, double *time, double *latitude,
+                  double *longitude, double *metres, unsigned int *status) {
+    auto word = [bytes](int k) { return static_cast<std::int32_t>(loadBe32(bytes + 4 * k)); };
+    if (status) *status = loadBe32(bytes);
+    if (time) *time = TOVO_DecodeTime(h.referenceTime, h.timeScale, word(1));
+    if (latitude) *latitude = TOVO_DecodePosition(h.referenceLatitude, h.positionScale, word(2));
+    if (longitude) *longitude = TOVO_DecodePosition(h.referenceLongitude, h.positionScale, word(3));
+    if (metres) *metres = TOVO_DecodeMeters(word(4));
 }
 
 TOVO_Sensor *openDir(const NavigationFamily &f, const wchar_t *lineDirectory, const wchar_t *token, int *error) {
@@ -300,7 +300,7 @@ int readAt(const NavigationFamily &f, TOVO_Sensor *h, unsigned int n, double *ti
     if (!time || !latitude || !longitude || !metres || !status) return kMissingOutput;
     if (n < 1 || n > h->recordCount) return f.records.code(kOutOfRange);
     if (int rc = readRecordAt(*h, *s, n)) return rc;
-    if (int rc = decodeRecord(*h, time, latitude, longitude, metres, status)) return rc;
+    decodeRecord(*h, s->record, time, latitude, longitude, metres, status);
     // Unsaved edits are what an editor must see.
     if (isUpdate(*h)) *status = h->shadowStatus[n];
     return 0;
@@ -311,8 +311,11 @@ int readSeq(const NavigationFamily &f, TOVO_Sensor *h, double *time, double *lat
     NavigationState *s = nullptr;
     if (int rc = check(f, kReadSeq, h, s)) return rc;
     if (!time || !latitude || !longitude || !metres || !status) return kMissingOutput;
-    if (int rc = readNextRecord(*h, *s)) return rc;
-    return decodeRecord(*h, time, latitude, longitude, metres, status);
+    int rc = 0;
+    const unsigned char *bytes = readNextRecord(*h, *s, &rc);
+    if (!bytes) return rc;
+    decodeRecord(*h, bytes, time, latitude, longitude, metres, status);
+    return 0;
 }
 
 int bgnSeqWriteSummary(const NavigationFamily &f, TOVO_Sensor *h, unsigned int coordinateType) {
@@ -328,10 +331,24 @@ int bgnSeqWriteLineSegment(const NavigationFamily &f, TOVO_Sensor *h, const wcha
     return beginLineSegment(*h, f.records, sourceName);
 }
 
-int seqWrite(const NavigationFamily &f, TOVO_Sensor *h, double time, double latitude, double longitude,
-             double metres, unsigned int status) {
+int readRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int first, unsigned int count, double *times,
+              double *latitudes, double *longitudes, double *metres, unsigned int *statuses) {
     NavigationState *s = nullptr;
-    if (int rc = check(f, kSeqWrite, h, s)) return rc;
+    if (int rc = check(f, kRead, h, s)) return rc;
+    if (count == 0) return 0;
+    if (!inRange(*h, first, count)) return f.records.code(kOutOfRange);
+    const bool edited = isUpdate(*h);
+    auto at = [](auto *array, std::uint32_t i) { return array ? array + i : nullptr; };
+    return readRecords(*h, *s, first, count, [&](std::uint32_t i, const unsigned char *bytes) {
+        decodeRecord(*h, bytes, at(times, i), at(latitudes, i), at(longitudes, i), at(metres, i), at(statuses, i));
+        if (statuses && edited) statuses[i] = h->shadowStatus[first + i];
+        return 0;
+    });
+}
+
+// Appends one record; the per-record and the bulk write share it byte for byte.
+int writeRecord(TOVO_Sensor *h, NavigationState *s, double time, double latitude, double longitude, double metres,
+                unsigned int status) {
     if (h->firstRecordPending) {
         h->referenceTime = TOVO_EncodeRefTime(time);
         h->referenceLatitude = TOVO_EncodeRefPosition(latitude);
@@ -345,14 +362,33 @@ int seqWrite(const NavigationFamily &f, TOVO_Sensor *h, double time, double lati
     int lon = TOVO_EncodePosition(longitude, h->referenceLongitude, h->positionScale);
     int m = TOVO_EncodeMeters(metres);
     if (int rc = beginRecord(*h, *s, t)) return rc;
-    XDR &x = h->encodeStream;
-    if (!xdr_u_int(&x, &status) || !xdr_int(&x, &t) || !xdr_int(&x, &lat) || !xdr_int(&x, &lon) || !xdr_int(&x, &m))
-        return f.records.code(kNotEncodable);
+    const std::int32_t words[5] = {static_cast<std::int32_t>(status), t, lat, lon, m};
+    for (int k = 0; k < 5; ++k) storeBe32(s->record + 4 * k, static_cast<std::uint32_t>(words[k]));
     if (int rc = finishRecord(*h, *s)) return rc;
     const double values[3] = {time, latitude, longitude};
     widenExtents(*h, values, 3);
     ++s->written;
-    s->needsSeek = 1;
+    return 0;
+}
+
+int seqWrite(const NavigationFamily &f, TOVO_Sensor *h, double time, double latitude, double longitude,
+             double metres, unsigned int status) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kSeqWrite, h, s)) return rc;
+    return writeRecord(h, s, time, latitude, longitude, metres, status);
+}
+
+int seqWriteRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int count, const double *times,
+                  const double *latitudes, const double *longitudes, const double *metres,
+                  const unsigned int *statuses) {
+    NavigationState *s = nullptr;
+    if (int rc = check(f, kSeqWrite, h, s)) return rc;
+    if (count == 0) return 0;
+    if (!times || !latitudes || !longitudes || !metres) return kMissingOutput;
+    for (unsigned int i = 0; i < count; ++i)
+        if (int rc = writeRecord(h, s, times[i], latitudes[i], longitudes[i], metres[i],
+                                 statuses ? statuses[i] : 0))
+            return rc;
     return 0;
 }
 
@@ -430,6 +466,15 @@ using namespace velmio;
     extern "C" VELMIO_API int P##Read(TOVO_Sensor *h, unsigned int n, double *time, double *lat, double *lon,    \
                                       double *metres, unsigned int *status) {                                   \
         return readAt(F, h, n, time, lat, lon, metres, status);                                                  \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##ReadRange(TOVO_Sensor *h, unsigned int first, unsigned int count, double *times,  \
+                                           double *lats, double *lons, double *metres, unsigned int *statuses) { \
+        return readRange(F, h, first, count, times, lats, lons, metres, statuses);                               \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##SeqWriteRange(TOVO_Sensor *h, unsigned int count, const double *times,          \
+                                               const double *lats, const double *lons, const double *metres,    \
+                                               const unsigned int *statuses) {                                  \
+        return seqWriteRange(F, h, count, times, lats, lons, metres, statuses);                                  \
     }                                                                                                            \
     extern "C" VELMIO_API int P##ReadSeq(TOVO_Sensor *h, double *time, double *lat, double *lon, double *metres, \
                                          unsigned int *status) {                                                \

@@ -3,6 +3,7 @@
 #include <velmio/linestore.h>
 #include <velmio/observed_depths.h>
 
+#include "sensors/profile_bulk.h"
 #include "sensors/profile_cursor.h"
 
 #include <cstdio>
@@ -13,7 +14,7 @@ using namespace velmio;
 
 namespace {
 
-constexpr std::uint32_t kRejectionMask = OBSERVED_DEPTHS_REJECTION_MASK;
+constexpr std::uint32_t kRejectionMask = VELMIO_OBSERVED_DEPTHS_REJECTION_MASK;
 constexpr int kTime = 0;   // extents of the handle and of each segment
 constexpr int kDepth = 1;
 
@@ -251,6 +252,50 @@ VELMIO_API int ObservedDepthsReadSeq(TOVO_Sensor *handle, double *time, double *
     return 0;
 }
 
+VELMIO_API int ObservedDepthsReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                          unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
+                                          double *angles1, double *angles2, unsigned int *statuses) {
+    return readProfiles(handle, kObservedDepths, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
+        unsigned int n, first, status;
+        double t, a1, a2;
+        if (const int rc = ObservedDepthsReadProfile(handle, p, &n, &first, &t, &a1, &a2, &status)) return rc;
+        if (numberOfBeams) numberOfBeams[i] = n;
+        if (firstBeams) firstBeams[i] = first;
+        if (times) times[i] = t;
+        if (angles1) angles1[i] = a1;
+        if (angles2) angles2[i] = a2;
+        if (statuses) statuses[i] = status;
+        return 0;
+    });
+}
+
+VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                       unsigned int beamCapacity, unsigned int *beamOffsets, double *times,
+                                       double *ys, double *xs, double *depths, double *extras,
+                                       unsigned int *statuses) {
+    auto beamsOf = [handle](std::uint32_t p, std::uint32_t &beams, std::uint32_t &first) {
+        unsigned int n, f, status;
+        double t, a1, a2;
+        const int rc = ObservedDepthsReadProfile(handle, p, &n, &f, &t, &a1, &a2, &status);
+        beams = n;
+        first = f;
+        return rc;
+    };
+    auto readBeam = [&](std::uint32_t p, std::uint32_t b, std::uint32_t k) {
+        double t, y, x, d, e;
+        unsigned int status;
+        if (const int rc = ObservedDepthsRead(handle, p, b, &t, &y, &x, &d, &e, &status)) return rc;
+        if (times) times[k] = t;
+        if (ys) ys[k] = y;
+        if (xs) xs[k] = x;
+        if (depths) depths[k] = d;
+        if (extras) extras[k] = e;
+        if (statuses) statuses[k] = status;
+        return 0;
+    };
+    return readBeams(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readBeam);
+}
+
 VELMIO_API int ObservedDepthsBgnSeqWriteSummary(TOVO_Sensor *handle) {
     return profileBgnSeqWriteSummary(handle, kObservedDepths);
 }
@@ -279,6 +324,14 @@ VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y
     handle->extents[kDepth].widen(depth);
     if (s->currentSegment) s->currentSegment->extents[kDepth].widen(depth);
     return 0;
+}
+
+VELMIO_API int ObservedDepthsSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *times,
+                                           const double *ys, const double *xs, const double *depths,
+                                           const unsigned int *statuses) {
+    return writeBeams(handle, kObservedDepths, count, times && ys && xs && depths, [&](std::uint32_t i) {
+        return ObservedDepthsSeqWrite(handle, times[i], ys[i], xs[i], depths[i], 0.0, 0.0, statuses ? statuses[i] : 0);
+    });
 }
 
 VELMIO_API int ObservedDepthsEndSeqWriteProfile(TOVO_Sensor *handle) {

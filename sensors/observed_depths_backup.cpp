@@ -5,8 +5,10 @@
 #include <velmio/observed_depths.h>
 #include <velmio/utils.hpp>
 
+#include "platform/durable_replace.h"
 #include "platform/files.h"
 
+#include <algorithm>
 #include <new>
 #include <string>
 #include <vector>
@@ -57,6 +59,20 @@ public:
         return true;
     }
 
+    // Pushes the renames to the disk; a set is moved only once both of its
+    // directories have been synced.
+    bool sync() const {
+        std::vector<std::wstring> done;
+        for (const Step &step : steps_)
+            for (const std::wstring *path : {&step.from, &step.to}) {
+                const std::wstring dir = platform::parentDirectory(*path);
+                if (std::find(done.begin(), done.end(), dir) != done.end()) continue;
+                if (platform::syncDirectory(dir) != 0) return false;
+                done.push_back(dir);
+            }
+        return true;
+    }
+
     void commit() {
         for (const Step &step : steps_)
             if (step.parked) platform::removeFile(step.to.c_str());
@@ -100,7 +116,7 @@ int restore(const wchar_t *lineDirectory, const wchar_t *name) {
         const std::wstring backup = backupDirectory(lineDirectory);
         if (!hasDataFile(backup, name)) return kBackupFailed;
         RenameJournal journal;
-        if (!moveSet(journal, backup, lineDirectory, name)) return kBackupFailed;
+        if (!moveSet(journal, backup, lineDirectory, name) || !journal.sync()) return kBackupFailed;
         journal.commit();
         return 0;
     } catch (const std::bad_alloc &) {
@@ -124,6 +140,7 @@ VELMIO_API int ObservedDepthsBackupDir(const wchar_t *lineDirectory) {
         RenameJournal journal;
         for (const wchar_t *name : present)
             if (!moveSet(journal, lineDirectory, backup, name)) return kBackupFailed;
+        if (!journal.sync()) return kBackupFailed;
         journal.commit();
         return 0;
     } catch (const std::bad_alloc &) {

@@ -8,6 +8,7 @@
 
 #include <climits>
 #include <cstdio>
+#include <cstring>
 #include <limits>
 #include <new>
 
@@ -16,6 +17,9 @@ namespace velmio {
 using namespace xdr;
 
 namespace {
+
+// A random read fetches this much: a header and its first beams.
+constexpr std::size_t kRandomReadAhead = 4096;
 
 bool encodeWords(XDR &x, unsigned char *buffer, const std::uint32_t *words, unsigned count) {
     xdrmem_create(&x, reinterpret_cast<char *>(buffer), 4 * count, XDR_ENCODE);
@@ -45,8 +49,8 @@ ProfileState *ownState(TOVO_Sensor &h, const ProfileFamily &f) {
 
 bool modeAllowed(const TOVO_Sensor &h, unsigned modes) {
     switch (h.accessMode) {
-    case TOVO_ACCESS_QUERY: return (modes & kQueryMode) != 0;
-    case TOVO_ACCESS_UPDATE: return (modes & kUpdateMode) != 0;
+    case VELMIO_ACCESS_QUERY: return (modes & kQueryMode) != 0;
+    case VELMIO_ACCESS_UPDATE: return (modes & kUpdateMode) != 0;
     default: return (modes & kCreateMode) != 0;  // every other mode writes, as the open did
     }
 }
@@ -104,6 +108,9 @@ TOVO_Sensor *openProfileSensor(const wchar_t *lineDirectory, std::uint32_t openI
     std::uint32_t words[kMaxSummaryWords] = {};
     if (!decodeWords(h->decodeStream, buffer, words, f.summaryBytes / 4) || !f.fromWords(*h, words))
         return fail(f.code(kSummaryInvalid));
+    s.source.reset(new (std::nothrow) FileSource(fileno(h->dataFile)));
+    if (!s.source) return fail(kNoMemory);
+    s.position = 16 + std::uint64_t{f.summaryBytes};
     // The counts must fit the file before anything trusts them.
     s.fileSize = platform::fileSize(h->dataFile);
     const std::uint64_t needed = std::uint64_t{h->recordCount} * s.geometry.headerBytes +
@@ -142,7 +149,7 @@ int closeProfileSensor(TOVO_Sensor *h, const ProfileFamily &f, bool saveDirtySta
     auto keep = [&](int rc) {
         if (rc && !first) first = rc;
     };
-    const bool creating = h->accessMode != TOVO_ACCESS_QUERY && h->accessMode != TOVO_ACCESS_UPDATE;
+    const bool creating = h->accessMode != VELMIO_ACCESS_QUERY && h->accessMode != VELMIO_ACCESS_UPDATE;
     try {
         if (s && creating && h->recordCount > 0) {
             keep(writeSummary(*h, *s));
@@ -151,7 +158,7 @@ int closeProfileSensor(TOVO_Sensor *h, const ProfileFamily &f, bool saveDirtySta
                 const int rc = h->timeIndex.write(h->timeIndexPath.c_str(), h->typeId, h->formatVersion);
                 if (rc) keep(f.timeIndexWriteCode ? f.timeIndexWriteCode : rc);
             }
-        } else if (s && saveDirtyStatus && h->accessMode == TOVO_ACCESS_UPDATE && s->statusDirty) {
+        } else if (s && saveDirtyStatus && h->accessMode == VELMIO_ACCESS_UPDATE && s->statusDirty) {
             keep(writeSummary(*h, *s));
             if (!first) keep(writeLineSegmentFile(*h, f.segments));
         }
@@ -275,14 +282,19 @@ _TOVO_LnSeg *segmentOfProfile(TOVO_Sensor &h, std::uint32_t profile) {
 
 int seekData(TOVO_Sensor &h, ProfileState &s, std::uint64_t offset, int seekReason) {
     ++s.seekCount;
-    if (offset > static_cast<std::uint64_t>(std::numeric_limits<long>::max()) ||
-        std::fseek(h.dataFile, static_cast<long>(offset), SEEK_SET) != 0)
+    if (offset > static_cast<std::uint64_t>(std::numeric_limits<long>::max()) || !s.source)
         return s.family.code(seekReason);
+    s.position = offset;
+    s.readAhead = kRandomReadAhead;
     return 0;
 }
 
 int readRecord(TOVO_Sensor &h, ProfileState &s, unsigned bytes, std::uint32_t *words, int decodeReason) {
-    if (std::fread(s.buffer, 1, bytes, h.dataFile) != bytes) return s.family.code(kReadFailed);
+    const unsigned char *p = s.source ? s.window.at(*s.source, s.position, bytes, s.readAhead) : nullptr;
+    if (!p) return s.family.code(kReadFailed);
+    std::memcpy(s.buffer, p, bytes);
+    s.position += bytes;
+    s.readAhead = kWindowBytes;
     if (!decodeWords(h.decodeStream, s.buffer, words, bytes / 4)) return s.family.code(decodeReason);
     return 0;
 }
@@ -378,8 +390,10 @@ int loadBeamForEdit(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std:
 int storeBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t offset, const std::uint32_t *words) {
     const ProfileFamily &f = s.family;
     s.repositionNeeded = 1;
+    s.window.invalidate();  // reads after the edit must see it
     if (!encodeWords(h.encodeStream, s.buffer, words, s.geometry.beamBytes / 4)) return f.code(kEditNotCoded);
-    if (const int rc = seekData(h, s, offset, kSeekFailed)) return rc;
+    ++s.seekCount;
+    if (std::fseek(h.dataFile, static_cast<long>(offset), SEEK_SET) != 0) return f.code(kSeekFailed);
     if (std::fwrite(s.buffer, 1, s.geometry.beamBytes, h.dataFile) != s.geometry.beamBytes)
         return f.code(kWriteFailed);
     // On disk at once, and the stream ready for the reads that follow.

@@ -10,6 +10,7 @@
 
 #include <velmio/encoding.h>
 
+#include "linestore/byte_source.h"
 #include "linestore/line_segment_file.h"
 #include "linestore/sensor.h"
 
@@ -126,6 +127,13 @@ public:
     bool statusDirty = false;
     std::int64_t fileSize = -1;      // of the data file, read modes
     unsigned long seekCount = 0;     // data file repositionings
+    // Read modes: the data file is read by position through a window. A
+    // reposition makes the next refill small, so that a random read costs
+    // one small positioned read; reads that follow refill 64 KiB at a time.
+    std::unique_ptr<ByteSource> source;
+    ReadWindow window;
+    std::uint64_t position = 0;
+    std::size_t readAhead = kWindowBytes;
 };
 
 // The family's state on a handle after the entry checks in the family's
@@ -134,7 +142,7 @@ int enterProfile(TOVO_Sensor *h, const ProfileFamily &f, unsigned modes, Profile
 
 // True for a handle that writes a new file: create, or an unknown token.
 inline bool isWriting(const TOVO_Sensor &h) {
-    return h.accessMode != TOVO_ACCESS_QUERY && h.accessMode != TOVO_ACCESS_UPDATE;
+    return h.accessMode != VELMIO_ACCESS_QUERY && h.accessMode != VELMIO_ACCESS_UPDATE;
 }
 
 // Opens through SensorOpenDir with openId and builds the handle: create mode

@@ -21,22 +21,6 @@ void sayIf(const char *message) {
     if (message) say("%s", message);
 }
 
-// The byte offset of record n. Offsets from the time index must name a
-// whole record inside the data area: a damaged index must never make a
-// status save overwrite the header or another record's fields.
-int mapRecord(TOVO_Sensor &h, const RecordFamily &f, std::uint32_t n, std::uint32_t &offset) {
-    if (h.timeIndex.map(n, offset) != 0) return f.code(kNotMapped);
-    const std::uint64_t start = f.dataStart();
-    const std::uint64_t end = start + static_cast<std::uint64_t>(h.recordCount) * f.recordSize;
-    if (offset < start || (offset - start) % f.recordSize != 0 || offset + std::uint64_t{f.recordSize} > end)
-        return f.code(kNotMapped);
-    return 0;
-}
-
-bool seekTo(std::FILE *file, std::uint32_t offset) {
-    return std::fseek(file, static_cast<long>(offset), SEEK_SET) == 0;
-}
-
 std::uint32_t *summaryWord(TOVO_Sensor &h, SummaryWord w) {
     switch (w) {
     case SummaryWord::Status: return &h.summaryStatus;
@@ -125,21 +109,17 @@ int loadStatusShadow(TOVO_Sensor &h, RecordState &s) {
         sayIf(f.shadow.notMapped);
         return f.code(kNotMapped);
     }
-    if (!seekTo(h.dataFile, offset)) {
-        sayIf(f.shadow.seekFailed);
-        return f.code(kSeekFailed);
-    }
-    for (std::uint32_t n = 1; n <= h.recordCount; ++n) {
-        if (std::fread(s.record, 1, f.recordSize, h.dataFile) != f.recordSize) {
+    s.window.invalidate();
+    std::uint64_t at = offset;
+    for (std::uint32_t n = 1; n <= h.recordCount; ++n, at += f.recordSize) {
+        const unsigned char *bytes = s.window.at(*s.source, at, f.recordSize);
+        if (!bytes) {
             sayIf(f.shadow.readFailed);
             return f.code(kReadFailed);
         }
-        xdr_setpos(&h.decodeStream, 0);
-        if (!xdr_u_int(&h.decodeStream, &h.shadowStatus[n])) {
-            sayIf(f.shadow.notDecodable);
-            return f.code(kShadowNotLoaded);
-        }
+        h.shadowStatus[n] = loadBe32(bytes);
     }
+    s.window.invalidate();
     return 0;
 }
 
@@ -168,21 +148,35 @@ int openExisting(TOVO_Sensor &h, RecordState &s) {
 
 }  // namespace
 
+// The byte offset of record n. Offsets from the time index must name a
+// whole record inside the data area: a damaged index must never make a
+// status save overwrite the header or another record's fields.
+int mapRecord(TOVO_Sensor &h, const RecordFamily &f, std::uint32_t n, std::uint32_t &offset) {
+    if (h.timeIndex.map(n, offset) != 0) return f.code(kNotMapped);
+    const std::uint64_t start = f.dataStart();
+    const std::uint64_t end = start + static_cast<std::uint64_t>(h.recordCount) * f.recordSize;
+    if (offset < start || (offset - start) % f.recordSize != 0 || offset + std::uint64_t{f.recordSize} > end)
+        return f.code(kNotMapped);
+    return 0;
+}
+
 int openRecordFamily(TOVO_Sensor *h, RecordState *state) {
     h->familyState = state;  // owned by the handle from here on
     const RecordFamily &f = state->family;
     int rc = 0;
-    xdrmem_create(&h->encodeStream, state->record, f.recordSize, XDR_ENCODE);
-    xdrmem_create(&h->decodeStream, state->record, f.recordSize, XDR_DECODE);
-    if (isCreate(*h)) {
+    state->source.reset(new (std::nothrow) FileSource(fileno(h->dataFile)));
+    if (!state->source) {
+        rc = kNoMemory;
+    } else if (isCreate(*h)) {
         rc = TOVO_WriteDataValidationRecord(h);
         if (rc == 0 && std::fseek(h->dataFile, static_cast<long>(f.dataStart() - 16), SEEK_CUR) != 0)
             rc = f.code(kSummaryNotReserved);
+        state->appender.start(state->source.get(), f.dataStart());
         h->firstRecordPending = 1;
     } else {
         rc = openExisting(*h, *state);
     }
-    state->needsSeek = 1;
+    state->nextOffset = f.dataStart();
     if (rc != 0) {
         std::fclose(h->dataFile);
         h->dataFile = nullptr;
@@ -193,36 +187,37 @@ int openRecordFamily(TOVO_Sensor *h, RecordState *state) {
 
 int readRecordAt(TOVO_Sensor &h, RecordState &s, std::uint32_t n) {
     const RecordFamily &f = s.family;
-    if (s.needsSeek || n != s.lastRead + 1) {
-        std::uint32_t offset = 0;
-        if (int rc = mapRecord(h, f, n, offset)) return rc;
-        if (!seekTo(h.dataFile, offset)) return f.code(kSeekFailed);
-    }
-    s.needsSeek = 1;  // until this read is known to have left the file at n + 1
-    if (std::fread(s.record, 1, f.recordSize, h.dataFile) != f.recordSize) return f.code(kReadFailed);
-    xdr_setpos(&h.decodeStream, 0);
-    s.lastRead = n;
-    s.needsSeek = 0;
+    std::uint32_t offset = 0;
+    if (int rc = mapRecord(h, f, n, offset)) return rc;
+    if (s.source->readAt(offset, s.record, f.recordSize) != f.recordSize) return f.code(kReadFailed);
+    s.nextOffset = std::uint64_t{offset} + f.recordSize;
     return 0;
 }
 
-int readNextRecord(TOVO_Sensor &h, RecordState &s) {
+const unsigned char *readNextRecord(TOVO_Sensor &, RecordState &s, int *rc) {
     const RecordFamily &f = s.family;
-    s.needsSeek = 1;  // the record read has no known number
-    if (std::fread(s.record, 1, f.recordSize, h.dataFile) != f.recordSize) return f.code(kReadFailed);
-    xdr_setpos(&h.decodeStream, 0);
-    return 0;
+    const unsigned char *bytes = s.window.at(*s.source, s.nextOffset, f.recordSize);
+    if (!bytes) {
+        *rc = f.code(kReadFailed);
+        return nullptr;
+    }
+    s.nextOffset += f.recordSize;
+    return bytes;
 }
 
 int beginRecord(TOVO_Sensor &h, RecordState &s, std::int32_t encodedTime) {
-    if (TmIdxEntry(&h, encodedTime) != 0) return s.family.code(kTimeIndexEntry);
-    xdr_setpos(&h.encodeStream, 0);
+    // Offsets are 32-bit in the index: a data file beyond 4 GiB cannot be indexed.
+    const std::uint64_t offset = s.appender.offset();
+    if (offset > 0xFFFFFFFFu) return s.family.code(kTimeIndexEntry);
+    if (h.timeIndex.append(encodedTime, static_cast<std::uint32_t>(offset)) != 0) {
+        say("TmIdxEntry: out of memory\n");
+        return s.family.code(kTimeIndexEntry);
+    }
     return 0;
 }
 
-int finishRecord(TOVO_Sensor &h, RecordState &s) {
-    if (std::fwrite(s.record, 1, s.family.recordSize, h.dataFile) != s.family.recordSize)
-        return s.family.code(kWriteFailed);
+int finishRecord(TOVO_Sensor &, RecordState &s) {
+    if (!s.appender.append(s.record, s.family.recordSize)) return s.family.code(kWriteFailed);
     return 0;
 }
 
@@ -254,7 +249,6 @@ int writeSummary(TOVO_Sensor &h, RecordState &s) {
         }
         if (!ok) return f.code(kSummaryNotWritten);
     }
-    s.needsSeek = 1;
     if (TOVO_WriteDataValidationRecord(&h) != 0) return f.code(kSummaryNotWritten);
     if (std::fwrite(block, 1, bytes, h.dataFile) != bytes) return f.code(kWriteFailed);
     return 0;
@@ -264,19 +258,16 @@ int saveStatusToDisk(TOVO_Sensor &h, RecordState &s) {
     const RecordFamily &f = s.family;
     if (writeSummary(h, s) != 0) return f.code(kSummaryNotWritten);
     if (int rc = writeSegments(h, f)) return rc;
-    s.needsSeek = 1;
     if (h.statusChanged) {
         for (std::uint32_t n = 1; n <= h.recordCount; ++n) {
             if (!h.shadowChanged[n]) continue;
             // Only the status unit changes; the rest of the record is
             // written back as it was read.
             std::uint32_t offset = 0;
-            xdr_setpos(&h.encodeStream, 0);
-            if (mapRecord(h, f, n, offset) != 0 || !seekTo(h.dataFile, offset) ||
-                std::fread(s.record, 1, f.recordSize, h.dataFile) != f.recordSize ||
-                !xdr_u_int(&h.encodeStream, &h.shadowStatus[n]) || !seekTo(h.dataFile, offset) ||
-                std::fwrite(s.record, 1, f.recordSize, h.dataFile) != f.recordSize)
+            if (mapRecord(h, f, n, offset) != 0 || s.source->readAt(offset, s.record, f.recordSize) != f.recordSize)
                 return f.code(kStatusNotSaved);  // the rest stays marked for the next save
+            storeBe32(s.record, h.shadowStatus[n]);
+            if (!s.source->writeAt(offset, s.record, f.recordSize)) return f.code(kStatusNotSaved);
             h.shadowChanged[n] = 0;
         }
         h.statusChanged = 0;
@@ -292,6 +283,7 @@ int closeRecordFamily(TOVO_Sensor *h, RecordState &s) {
         if (rc == 0) rc = code;
     };
     const bool create = isCreate(*h);
+    if (create && !s.appender.flush()) note(f.code(kSeekFailed));
     if (create && s.written > 0 && writeSummary(*h, s) != 0) note(f.code(kSummaryNotWritten));
     if (h->dataFile) {
         if (std::fflush(h->dataFile) != 0) note(f.code(kSeekFailed));
@@ -310,8 +302,6 @@ int closeRecordFamily(TOVO_Sensor *h, RecordState &s) {
             if (TmIdxWrite(h) != 0) note(f.code(kTimeIndexNotWritten));
         }
     }
-    xdr_destroy(&h->encodeStream);
-    xdr_destroy(&h->decodeStream);
     if (SensorFree(h) != 0) note(f.code(kFreeFailed));
     return rc;
 }

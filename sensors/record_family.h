@@ -6,9 +6,11 @@
 #ifndef VELMIO_SENSORS_RECORD_FAMILY_H
 #define VELMIO_SENSORS_RECORD_FAMILY_H
 
+#include "linestore/byte_source.h"
 #include "linestore/line_segment_file.h"
 #include "linestore/sensor.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 
@@ -87,14 +89,21 @@ struct RecordFamily {
 
 // The state every record family hangs on its handle; the families derive
 // their own from it so that a handle of another family is recognised.
+// Records are read with one positioned read each (random), through a
+// read-ahead window (sequential and ranged), and written through an append
+// buffer at offsets the engine keeps itself: the data file's stream only
+// writes the validation record and the summary.
 struct RecordState : FamilyState {
     explicit RecordState(const RecordFamily &f) : family(f) {}
 
+    static constexpr std::uint32_t kMaxRecordBytes = 20;
     const RecordFamily &family;
-    char record[24] = {};          // h.encodeStream and h.decodeStream run over it
+    unsigned char record[kMaxRecordBytes] = {};  // the record in hand
     std::uint32_t written = 0;     // records written through this handle
-    int needsSeek = 1;             // the file is not known to be at lastRead + 1
-    std::uint32_t lastRead = 0;
+    std::unique_ptr<ByteSource> source;
+    ReadWindow window;
+    AppendBuffer appender;         // create mode
+    std::uint64_t nextOffset = 0;  // where ReadSeq reads: behind the last record read
 };
 
 // Modes other than query and update are treated as create, as the open does.
@@ -110,16 +119,25 @@ inline bool isUpdate(const TOVO_Sensor &h) { return h.accessMode == 3; }
 // and the code is returned.
 int openRecordFamily(TOVO_Sensor *h, RecordState *state);
 
-// Reads record n into the record buffer and rewinds the decode stream,
-// seeking only when the file is not already at record n.
-int readRecordAt(TOVO_Sensor &h, RecordState &s, std::uint32_t n);
-// Reads the record at the file's current position.
-int readNextRecord(TOVO_Sensor &h, RecordState &s);
+// True when records first .. first + count - 1 (count > 0) all exist.
+inline bool inRange(const TOVO_Sensor &h, std::uint32_t first, std::uint32_t count) {
+    return first >= 1 && std::uint64_t{first} + count - 1 <= h.recordCount;
+}
 
-// Starts a record of the encoded time: its time index entry, then rewinds
-// the encode stream for the family to fill the record buffer.
+// Reads record n into the record buffer with one positioned read.
+int readRecordAt(TOVO_Sensor &h, RecordState &s, std::uint32_t n);
+// The record behind the last one read (after open: the first), or null with
+// *rc set.
+const unsigned char *readNextRecord(TOVO_Sensor &h, RecordState &s, int *rc);
+// Records first .. first + count - 1 (in range) one by one through the
+// window: visit(i, bytes) for each, stopping at the first nonzero return.
+template <class Visit>
+int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32_t count, Visit visit);
+
+// Starts a record of the encoded time: its time index entry at the offset
+// the record will have.
 int beginRecord(TOVO_Sensor &h, RecordState &s, std::int32_t encodedTime);
-// Writes the filled record buffer and counts it.
+// Appends the filled record buffer.
 int finishRecord(TOVO_Sensor &h, RecordState &s);
 
 // Widens the summary and the current segment's extents by the raw values.
@@ -131,6 +149,27 @@ int saveStatusToDisk(TOVO_Sensor &h, RecordState &s);
 int closeRecordFamily(TOVO_Sensor *h, RecordState &s);
 
 // The operations both families perform alike once the handle is checked.
+int mapRecord(TOVO_Sensor &h, const RecordFamily &f, std::uint32_t n, std::uint32_t &offset);
+
+template <class Visit>
+int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32_t count, Visit visit) {
+    const RecordFamily &f = s.family;
+    // Each call reads afresh: what another process or this handle changed
+    // since is seen.
+    s.window.invalidate();
+    for (std::uint32_t i = 0; i < count; ++i) {
+        std::uint32_t offset = 0;
+        if (int rc = mapRecord(h, f, first + i, offset)) return rc;
+        const std::size_t ahead = static_cast<std::size_t>(
+            std::min<std::uint64_t>(kWindowBytes, std::uint64_t{count - i} * f.recordSize));
+        const unsigned char *bytes = s.window.at(*s.source, offset, f.recordSize, ahead);
+        if (!bytes) return f.code(kReadFailed);
+        s.nextOffset = std::uint64_t{offset} + f.recordSize;
+        if (int rc = visit(i, bytes)) return rc;
+    }
+    return 0;
+}
+
 int beginLineSegment(TOVO_Sensor &h, const RecordFamily &f, const wchar_t *sourceName);
 int endLineSegment(TOVO_Sensor &h, const RecordFamily &f, unsigned int status);
 int setLineSegmentStatus(TOVO_Sensor &h, const RecordFamily &f, int segmentNumber, unsigned int status);

@@ -24,6 +24,14 @@
                                       unsigned int *status) {                                                   \
         return SimpleSensorRead(h, n, time, value, status);                                                      \
     }                                                                                                            \
+    extern "C" VELMIO_API int P##ReadRange(TOVO_Sensor *h, unsigned int first, unsigned int count, double *times,  \
+                                           double *values, unsigned int *statuses) {                            \
+        return SimpleSensorReadRange(h, first, count, times, values, statuses);                                  \
+    }                                                                                                            \
+    extern "C" VELMIO_API int P##SeqWriteRange(TOVO_Sensor *h, unsigned int count, const double *times,          \
+                                               const double *values, const unsigned int *statuses) {            \
+        return SimpleSensorSeqWriteRange(h, count, times, values, statuses);                                     \
+    }                                                                                                            \
     extern "C" VELMIO_API int P##ReadSeq(TOVO_Sensor *h, double *time, double *value, unsigned int *status) {    \
         return SimpleSensorReadSeq(h, time, value, status);                                                      \
     }                                                                                                            \

@@ -25,9 +25,12 @@ constexpr SummaryField kSummary[] = {
 };
 
 // The simple sensor prints no messages of its own.
+constexpr std::uint32_t kRecordBytes = 12;  // status, time, value
+static_assert(kRecordBytes <= RecordState::kMaxRecordBytes, "the record buffer holds a record");
+
 const RecordFamily kSimple = {
     12,
-    12,
+    kRecordBytes,
     8,
     kSummary,
     nullptr,
@@ -58,14 +61,32 @@ int check(TOVO_Sensor *h, SimpleSensorState *&state) {
     return state ? 0 : kMissingOutput;
 }
 
-int decodeRecord(TOVO_Sensor &h, double *time, double *value, unsigned int *status) {
-    unsigned int word = 0;
-    int t = 0, v = 0;
-    if (!xdr_u_int(&h.decodeStream, &word) || !xdr_int(&h.decodeStream, &t) || !xdr_int(&h.decodeStream, &v))
-        return kSimple.code(kNotDecodable);
-    if (time) *time = TOVO_DecodeTime(h.referenceTime, h.timeScale, t);
-    if (value) *value = h.decodeValue(v);
-    *status = word;
+// A record's words: status, time, value.
+void decodeRecord(const TOVO_Sensor &h, const unsigned char *bytes, double *time, double *value,
+                  unsigned int *status) {
+    if (time) *time = TOVO_DecodeTime(h.referenceTime, h.timeScale, static_cast<std::int32_t>(loadBe32(bytes + 4)));
+    if (value) *value = h.decodeValue(static_cast<std::int32_t>(loadBe32(bytes + 8)));
+    if (status) *status = loadBe32(bytes);
+}
+
+// Appends one record; the per-record and the bulk write share it byte for byte.
+int writeRecord(TOVO_Sensor &h, SimpleSensorState &s, double time, double value, unsigned int status) {
+    if (h.firstRecordPending) {
+        h.referenceTime = TOVO_EncodeRefTime(time);
+        h.firstRecordPending = 0;
+    }
+    // Counted before anything can fail: a failed write still counts.
+    ++h.recordCount;
+    int t = TOVO_EncodeTime(time, h.referenceTime, h.timeScale);
+    int v = h.encodeValue(value);
+    if (int rc = beginRecord(h, s, t)) return rc;
+    storeBe32(s.record, status);
+    storeBe32(s.record + 4, static_cast<std::uint32_t>(t));
+    storeBe32(s.record + 8, static_cast<std::uint32_t>(v));
+    if (int rc = finishRecord(h, s)) return rc;
+    const double values[2] = {time, value};
+    widenExtents(h, values, 2);
+    ++s.written;
     return 0;
 }
 
@@ -83,13 +104,13 @@ extern "C" VELMIO_API TOVO_Sensor *SimpleSensorOpen(const wchar_t *lineDirectory
         rc = kUnknownType;
         return nullptr;
     }
-    if (encodingKind != SIMPLE_SENSOR_METRES && encodingKind != SIMPLE_SENSOR_RADIANS) {
+    if (encodingKind != VELMIO_SIMPLE_SENSOR_METRES && encodingKind != VELMIO_SIMPLE_SENSOR_RADIANS) {
         rc = kMissingOutput;
         return nullptr;
     }
     TOVO_Sensor *h = SensorOpenDir(lineDirectory, typeId, accessToken, &rc);
     if (!h) return nullptr;
-    if (encodingKind == SIMPLE_SENSOR_RADIANS) {
+    if (encodingKind == VELMIO_SIMPLE_SENSOR_RADIANS) {
         h->encodeValue = TOVO_EncodeRadians;
         h->decodeValue = TOVO_DecodeRadians;
     } else {
@@ -152,19 +173,38 @@ extern "C" VELMIO_API int SimpleSensorRead(TOVO_Sensor *h, unsigned int n, doubl
     if (!status) return kMissingOutput;
     if (n < 1 || n > h->recordCount) return kSimple.code(kOutOfRange);
     if (int rc = readRecordAt(*h, *s, n)) return rc;
-    if (int rc = decodeRecord(*h, time, value, status)) return rc;
+    decodeRecord(*h, s->record, time, value, status);
     // Unsaved edits are what an editor must see.
     if (isUpdate(*h)) *status = h->shadowStatus[n];
     return 0;
 }
 
+extern "C" VELMIO_API int SimpleSensorReadRange(TOVO_Sensor *h, unsigned int firstRecord, unsigned int count,
+                                                double *times, double *values, unsigned int *statuses) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (isCreate(*h)) return kSimple.code(kWrongMode);
+    if (count == 0) return 0;
+    if (!inRange(*h, firstRecord, count)) return kSimple.code(kOutOfRange);
+    const bool edited = isUpdate(*h);
+    return readRecords(*h, *s, firstRecord, count, [&](std::uint32_t i, const unsigned char *bytes) {
+        decodeRecord(*h, bytes, times ? times + i : nullptr, values ? values + i : nullptr,
+                     statuses ? statuses + i : nullptr);
+        if (statuses && edited) statuses[i] = h->shadowStatus[firstRecord + i];
+        return 0;
+    });
+}
+
 extern "C" VELMIO_API int SimpleSensorReadSeq(TOVO_Sensor *h, double *time, double *value, unsigned int *status) {
     SimpleSensorState *s = nullptr;
     if (int rc = check(h, s)) return rc;
-    if (h->accessMode != TOVO_ACCESS_QUERY) return kSimple.code(kWrongMode);
+    if (h->accessMode != VELMIO_ACCESS_QUERY) return kSimple.code(kWrongMode);
     if (!status) return kMissingOutput;
-    if (int rc = readNextRecord(*h, *s)) return rc;
-    return decodeRecord(*h, time, value, status);
+    int rc = 0;
+    const unsigned char *bytes = readNextRecord(*h, *s, &rc);
+    if (!bytes) return rc;
+    decodeRecord(*h, bytes, time, value, status);
+    return 0;
 }
 
 extern "C" VELMIO_API int SimpleSensorBgnSeqWriteSummary(TOVO_Sensor *h) {
@@ -183,22 +223,18 @@ extern "C" VELMIO_API int SimpleSensorSeqWrite(TOVO_Sensor *h, double time, doub
     SimpleSensorState *s = nullptr;
     if (int rc = check(h, s)) return rc;
     if (!isCreate(*h)) return kSimple.code(kWrongMode);
-    if (h->firstRecordPending) {
-        h->referenceTime = TOVO_EncodeRefTime(time);
-        h->firstRecordPending = 0;
-    }
-    // Counted before anything can fail: a failed write still counts.
-    ++h->recordCount;
-    int t = TOVO_EncodeTime(time, h->referenceTime, h->timeScale);
-    int v = h->encodeValue(value);
-    if (int rc = beginRecord(*h, *s, t)) return rc;
-    if (!xdr_u_int(&h->encodeStream, &status) || !xdr_int(&h->encodeStream, &t) || !xdr_int(&h->encodeStream, &v))
-        return kSimple.code(kNotEncodable);
-    if (int rc = finishRecord(*h, *s)) return rc;
-    const double values[2] = {time, value};
-    widenExtents(*h, values, 2);
-    ++s->written;
-    s->needsSeek = 1;
+    return writeRecord(*h, *s, time, value, status);
+}
+
+extern "C" VELMIO_API int SimpleSensorSeqWriteRange(TOVO_Sensor *h, unsigned int count, const double *times,
+                                                    const double *values, const unsigned int *statuses) {
+    SimpleSensorState *s = nullptr;
+    if (int rc = check(h, s)) return rc;
+    if (!isCreate(*h)) return kSimple.code(kWrongMode);
+    if (count == 0) return 0;
+    if (!times || !values) return kMissingOutput;
+    for (unsigned int i = 0; i < count; ++i)
+        if (int rc = writeRecord(*h, *s, times[i], values[i], statuses ? statuses[i] : 0)) return rc;
     return 0;
 }
 

@@ -4,6 +4,7 @@
 #include <velmio/slant_range.h>
 
 #include "encoding/rounding.h"
+#include "sensors/profile_bulk.h"
 #include "sensors/profile_cursor.h"
 
 #include <memory>
@@ -185,6 +186,50 @@ VELMIO_API int SLRangeReadSeq(TOVO_Sensor *handle, double *beamTime, double *ran
     return 0;
 }
 
+VELMIO_API int SLRangeReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                   unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
+                                   double *angles1, double *angles2, unsigned int *statuses) {
+    return readProfiles(handle, kSlantRange, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
+        unsigned int n, first, status;
+        double t, a1, a2;
+        if (const int rc = SLRangeReadProfile(handle, p, &n, &first, &t, &a1, &a2, &status)) return rc;
+        if (numberOfBeams) numberOfBeams[i] = n;
+        if (firstBeams) firstBeams[i] = first;
+        if (times) times[i] = t;
+        if (angles1) angles1[i] = a1;
+        if (angles2) angles2[i] = a2;
+        if (statuses) statuses[i] = status;
+        return 0;
+    });
+}
+
+VELMIO_API int SLRangeReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes,
+                                double *ranges, double *values, double *beamAngles1, double *beamAngles2,
+                                unsigned int *statuses) {
+    auto beamsOf = [handle](std::uint32_t p, std::uint32_t &beams, std::uint32_t &first) {
+        unsigned int n, f, status;
+        double t, a1, a2;
+        const int rc = SLRangeReadProfile(handle, p, &n, &f, &t, &a1, &a2, &status);
+        beams = n;
+        first = f;
+        return rc;
+    };
+    auto readBeam = [&](std::uint32_t p, std::uint32_t b, std::uint32_t k) {
+        double t, r, v, a1, a2;
+        unsigned int status;
+        if (const int rc = SLRangeRead(handle, p, b, &t, &r, &v, &a1, &a2, &status)) return rc;
+        if (beamTimes) beamTimes[k] = t;
+        if (ranges) ranges[k] = r;
+        if (values) values[k] = v;
+        if (beamAngles1) beamAngles1[k] = a1;
+        if (beamAngles2) beamAngles2[k] = a2;
+        if (statuses) statuses[k] = status;
+        return 0;
+    };
+    return readBeams(handle, kSlantRange, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readBeam);
+}
+
 VELMIO_API int SLRangeBgnSeqWriteSummary(TOVO_Sensor *handle, unsigned int toolType) {
     return profileSetToolTypes(handle, kSlantRange, kCreateMode, toolType, nullptr);
 }
@@ -210,6 +255,16 @@ VELMIO_API int SLRangeSeqWrite(TOVO_Sensor *handle, double beamTime, double rang
                                     asWord(TOVO_EncodeMeters(range)), asWord(truncToInt32(value * 1000000.0)),
                                     packAngles(beamAngle1, beamAngle2)};
     return writeBeam(*handle, *s, words, beamTime);
+}
+
+VELMIO_API int SLRangeSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *beamTimes,
+                                    const double *ranges, const double *values, const double *beamAngles1,
+                                    const double *beamAngles2, const unsigned int *statuses) {
+    const bool present = beamTimes && ranges && values && beamAngles1 && beamAngles2;
+    return writeBeams(handle, kSlantRange, count, present, [&](std::uint32_t i) {
+        return SLRangeSeqWrite(handle, beamTimes[i], ranges[i], values[i], beamAngles1[i], beamAngles2[i],
+                               statuses ? statuses[i] : 0);
+    });
 }
 
 VELMIO_API int SLRangeEndSeqWriteProfile(TOVO_Sensor *handle) {

@@ -6,6 +6,7 @@
 #include <velmio/tpe.h>
 
 #include "encoding/rounding.h"
+#include "sensors/profile_bulk.h"
 #include "sensors/profile_cursor.h"
 
 #include <cctype>
@@ -293,6 +294,46 @@ VELMIO_API int TPEReadSeq(TOVO_Sensor *handle, double *beamTime, double *error1,
     return 0;
 }
 
+VELMIO_API int TPEReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                               unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
+                               unsigned int *profileWords, unsigned int *statuses) {
+    return readProfiles(handle, kTpe, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
+        unsigned int n, first, word, status;
+        double t;
+        if (const int rc = TPEReadProfile(handle, p, &n, &first, &t, &word, &status)) return rc;
+        if (numberOfBeams) numberOfBeams[i] = n;
+        if (firstBeams) firstBeams[i] = first;
+        if (times) times[i] = t;
+        if (profileWords) profileWords[i] = word;
+        if (statuses) statuses[i] = status;
+        return 0;
+    });
+}
+
+VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                            unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes, double *errors1,
+                            double *errors2, unsigned int *statuses) {
+    auto beamsOf = [handle](std::uint32_t p, std::uint32_t &beams, std::uint32_t &first) {
+        unsigned int n, f, word, status;
+        double t;
+        const int rc = TPEReadProfile(handle, p, &n, &f, &t, &word, &status);
+        beams = n;
+        first = f;
+        return rc;
+    };
+    auto readBeam = [&](std::uint32_t p, std::uint32_t b, std::uint32_t k) {
+        double t, e1, e2;
+        unsigned int status;
+        if (const int rc = TPERead(handle, p, b, &t, &e1, &e2, &status)) return rc;
+        if (beamTimes) beamTimes[k] = t;
+        if (errors1) errors1[k] = e1;
+        if (errors2) errors2[k] = e2;
+        if (statuses) statuses[k] = status;
+        return 0;
+    };
+    return readBeams(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readBeam);
+}
+
 VELMIO_API int TPEBgnSeqWriteSummary(TOVO_Sensor *handle) {
     return profileBgnSeqWriteSummary(handle, kTpe);
 }
@@ -318,6 +359,13 @@ VELMIO_API int TPESeqWrite(TOVO_Sensor *handle, double beamTime, double error1, 
     handle->extents[kError1].widen(error1);
     handle->extents[kError2].widen(error2);
     return 0;
+}
+
+VELMIO_API int TPESeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *beamTimes,
+                                const double *errors1, const double *errors2, const unsigned int *statuses) {
+    return writeBeams(handle, kTpe, count, beamTimes && errors1 && errors2, [&](std::uint32_t i) {
+        return TPESeqWrite(handle, beamTimes[i], errors1[i], errors2[i], statuses ? statuses[i] : 0);
+    });
 }
 
 VELMIO_API int TPEEndSeqWriteProfile(TOVO_Sensor *handle) {

@@ -2,6 +2,7 @@
 // environment variable "CONSOLE". The only process-wide state of the library.
 #include <velmio/console.h>
 
+#include "foundation/diagnostics.h"
 #include "foundation/utf8.h"
 #include "platform/native_path.h"
 
@@ -176,6 +177,12 @@ VELMIO_API int VELM_IO_StopDiagnostics(void) {
     if (s.file >= 0) result = closeDescriptor(s.file) == 0 ? 0 : -1;
     s.file = -1;
     return result;
+}
+
+int VELM_IO_SetDiagnostics(int enabled) {
+    const bool was = velmio::diagnosticsEnabled();
+    velmio::setDiagnosticsEnabled(enabled != 0);
+    return was ? 1 : 0;
 }
 
 }  // extern "C"

@@ -6,6 +6,7 @@
 #include "foundation/wide_copy.h"
 #include "platform/files.h"
 #include "platform/native_path.h"
+#include "platform/stdio_file.h"
 #include "platform/system_error.h"
 
 #include <cerrno>
@@ -83,8 +84,8 @@ VELMLogFile *openLog(const wchar_t *directory, const wchar_t *mode, int &status)
 }
 
 int writeAll(std::FILE *stream, const std::string &bytes) {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), stream) != bytes.size()) return -1;
-    return std::fflush(stream) == 0 ? 0 : -1;
+    if (velmio::platform::writeFile(bytes.data(), 1, bytes.size(), stream) != bytes.size()) return -1;
+    return velmio::platform::flushFile(stream) == 0 ? 0 : -1;
 }
 
 }  // namespace
@@ -148,7 +149,7 @@ VELMIO_API int LogFileGetVersionInfo(const VELMLogFile *log, wchar_t **first, wc
 
 VELMIO_API int LogFileClose(VELMLogFile *log) {
     if (!log) return -1;
-    const int closed = log->stream ? std::fclose(log->stream) : 0;
+    const int closed = log->stream ? velmio::platform::closeFile(log->stream) : 0;
     freeVersions(log);
     delete log;
     return closed == 0 ? 0 : -1;

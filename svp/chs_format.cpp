@@ -5,6 +5,7 @@
 #include "foundation/classic_locale.h"
 #include "foundation/diagnostics.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 #include "svp/svp_text.h"
 
 #include <cerrno>
@@ -22,7 +23,7 @@ namespace {
 
 struct FileCloser {
     void operator()(std::FILE *f) const {
-        if (f) std::fclose(f);
+        if (f) velmio::platform::closeFile(f);
     }
 };
 
@@ -31,9 +32,24 @@ std::vector<char> wordBuffer(const std::string &text) { return std::vector<char>
 
 }  // namespace
 
+struct CHSSvpFile::Impl {
+    std::vector<CastHeader> headers_;
+};
+
+CHSSvpFile::CHSSvpFile() : d_(new Impl) {}
+CHSSvpFile::CHSSvpFile(const MORVAUString &fileName) : SvpFile(fileName), d_(new Impl) {}
+CHSSvpFile::CHSSvpFile(const CHSSvpFile &other) : SvpFile(other), d_(new Impl(*other.d_)) {}
+CHSSvpFile::~CHSSvpFile() = default;
+
+CHSSvpFile &CHSSvpFile::operator=(const CHSSvpFile &other) {
+    SvpFile::operator=(other);
+    *d_ = *other.d_;
+    return *this;
+}
+
 const std::string &CHSSvpFile::GetHeader() const {
     static const std::string none;
-    return headers_.empty() ? none : headers_.front().line;
+    return d_->headers_.empty() ? none : d_->headers_.front().line;
 }
 
 int CHSSvpFile::GenerateHeader(std::string &header, double time, double latitude, double longitude, int count) {
@@ -94,7 +110,7 @@ int CHSSvpFile::ParseHeader(const std::string &header, double &time, MORVAUStrin
 int CHSSvpFile::ReadInData() {
     try {
         ClearSections();
-        headers_.clear();
+        d_->headers_.clear();
         std::unique_ptr<std::FILE, FileCloser> in(velmio::platform::openFile(FileName().c_str(), "rb"));
         if (!in) {
             velmio::say("CHSSvpFile::ReadInData(): unable to open '%s'\n", velmio::printable(FileName().c_str()).c_str());
@@ -115,7 +131,7 @@ int CHSSvpFile::ReadInData() {
                     return kUnreadableLine;
                 }
                 section = AppendSection(time, latitude, longitude);
-                headers_.push_back(CastHeader{time, line});
+                d_->headers_.push_back(CastHeader{time, line});
                 last = nullptr;
                 continue;
             }
@@ -138,7 +154,7 @@ int CHSSvpFile::UpdateDataFile() {
             const int count = LiveValueCount(s);
             std::string header;
             bool made = false;
-            for (const CastHeader &h : headers_) {
+            for (const CastHeader &h : d_->headers_) {
                 if (h.time != s->time) continue;
                 header = h.line;
                 made = UpdateHeader(header, s->GetLatitude(), s->GetLongitude(), count) == 0;

@@ -5,6 +5,7 @@
 #include "foundation/classic_locale.h"
 #include "foundation/diagnostics.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 #include "svp/svp_text.h"
 
 #include <cerrno>
@@ -22,7 +23,7 @@ namespace {
 
 struct FileCloser {
     void operator()(std::FILE *f) const {
-        if (f) std::fclose(f);
+        if (f) velmio::platform::closeFile(f);
     }
 };
 

@@ -5,6 +5,7 @@
 #include "foundation/classic_locale.h"
 #include "foundation/diagnostics.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 #include "svp/svp_text.h"
 
 #include <cctype>
@@ -20,7 +21,7 @@ namespace {
 
 struct FileCloser {
     void operator()(std::FILE *f) const {
-        if (f) std::fclose(f);
+        if (f) velmio::platform::closeFile(f);
     }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
@@ -43,6 +44,44 @@ long findRow(const std::vector<Row> &rows, double time, double depth, double tol
 }
 
 }  // namespace
+
+struct RANSvpFile_Dat::Impl {
+    std::string title_;
+    std::vector<DataLine> lines_;
+};
+
+RANSvpFile_Dat::RANSvpFile_Dat() : d_(new Impl) {}
+RANSvpFile_Dat::RANSvpFile_Dat(const MORVAUString &fileName) : SvpFile(fileName), d_(new Impl) {}
+RANSvpFile_Dat::RANSvpFile_Dat(const RANSvpFile_Dat &other) : SvpFile(other), d_(new Impl(*other.d_)) {}
+RANSvpFile_Dat::~RANSvpFile_Dat() = default;
+
+RANSvpFile_Dat &RANSvpFile_Dat::operator=(const RANSvpFile_Dat &other) {
+    SvpFile::operator=(other);
+    *d_ = *other.d_;
+    return *this;
+}
+
+const std::vector<RANSvpFile_Dat::DataLine> &RANSvpFile_Dat::GetDataList() const { return d_->lines_; }
+const std::string &RANSvpFile_Dat::GetTitle() const { return d_->title_; }
+
+struct RANSvpFile_Edf::Impl {
+    std::vector<DataRow> rows_;
+    std::vector<CastHeader> headers_;
+};
+
+RANSvpFile_Edf::RANSvpFile_Edf() : d_(new Impl) {}
+RANSvpFile_Edf::RANSvpFile_Edf(const MORVAUString &fileName) : SvpFile(fileName), d_(new Impl) {}
+RANSvpFile_Edf::RANSvpFile_Edf(const RANSvpFile_Edf &other) : SvpFile(other), d_(new Impl(*other.d_)) {}
+RANSvpFile_Edf::~RANSvpFile_Edf() = default;
+
+RANSvpFile_Edf &RANSvpFile_Edf::operator=(const RANSvpFile_Edf &other) {
+    SvpFile::operator=(other);
+    *d_ = *other.d_;
+    return *this;
+}
+
+const std::vector<RANSvpFile_Edf::DataRow> &RANSvpFile_Edf::GetDataList() const { return d_->rows_; }
+const std::vector<RANSvpFile_Edf::CastHeader> &RANSvpFile_Edf::GetHeaderValues() const { return d_->headers_; }
 
 // ---- RAN Dat ----
 
@@ -86,8 +125,8 @@ bool RANSvpFile_Dat::DecodeData(const std::string &line, DataLine &data) {
 int RANSvpFile_Dat::ReadInData() {
     try {
         ClearSections();
-        lines_.clear();
-        title_.clear();
+        d_->lines_.clear();
+        d_->title_.clear();
         File in(velmio::platform::openFile(FileName().c_str(), "rb"));
         if (!in) {
             velmio::say("RANSvpFile_Dat::ReadInData(): unable to open '%s'\n",
@@ -96,7 +135,7 @@ int RANSvpFile_Dat::ReadInData() {
         }
         LineReader lines(in.get());
         std::string line;
-        if (!lines.next(title_)) return lines.readError() ? kUnreadableLine : 0;
+        if (!lines.next(d_->title_)) return lines.readError() ? kUnreadableLine : 0;
         SvpSections *section = nullptr;
         SvpValue *last = nullptr;
         while (lines.nextNonEmpty(line)) {
@@ -111,7 +150,7 @@ int RANSvpFile_Dat::ReadInData() {
                 last = nullptr;
             }
             last = AppendValue(section, d.depth, d.velocity, last);
-            lines_.push_back(d);
+            d_->lines_.push_back(d);
         }
         return lines.readError() ? kUnreadableLine : 0;
     } catch (...) {
@@ -121,7 +160,7 @@ int RANSvpFile_Dat::ReadInData() {
 
 int RANSvpFile_Dat::UpdateDataFile() {
     try {
-        std::string text = (title_.empty() ? std::string(kDefaultDatTitle) : title_) + "\n";
+        std::string text = (d_->title_.empty() ? std::string(kDefaultDatTitle) : d_->title_) + "\n";
         std::size_t hint = 0;
         for (const SvpSections *s = GetSections(); s; s = s->next) {
             if (s->state == kRemoved) continue;
@@ -135,9 +174,9 @@ int RANSvpFile_Dat::UpdateDataFile() {
             const double lat = s->GetLatitude(), lon = s->GetLongitude();
             for (const SvpValue *v = s->values; v; v = v->next) {
                 if (v->state == kRemoved) continue;
-                long row = findRow(lines_, s->time, v->depth, GetEpsilon(), hint);
+                long row = findRow(d_->lines_, s->time, v->depth, GetEpsilon(), hint);
                 // The texts as read, so that an unchanged line stays unchanged.
-                const DataLine *read = row >= 0 ? &lines_[static_cast<std::size_t>(row)] : nullptr;
+                const DataLine *read = row >= 0 ? &d_->lines_[static_cast<std::size_t>(row)] : nullptr;
                 text += velmio::svp::format("%+8.4lf ,%+8.4lf ,%+08.3lf ,%s %s, %+8.4lf ,%+10.4lf\n", lat, lon,
                                             v->depth, read ? read->date.c_str() : date.c_str(),
                                             read ? read->clock.c_str() : clock.c_str(),
@@ -216,8 +255,8 @@ int RANSvpFile_Edf::DecodeData(const std::string &line, DataRow &row) {
 int RANSvpFile_Edf::ReadInData() {
     try {
         ClearSections();
-        rows_.clear();
-        headers_.clear();
+        d_->rows_.clear();
+        d_->headers_.clear();
         File in(velmio::platform::openFile(FileName().c_str(), "rb"));
         if (!in) {
             velmio::say("RANSvpFile_Edf::ReadInData(): unable to open '%s'\n",
@@ -277,7 +316,7 @@ int RANSvpFile_Edf::ReadInData() {
                 last = nullptr;
                 header.time = time;
                 header.heading = line;
-                headers_.push_back(header);
+                d_->headers_.push_back(header);
                 inTable = true;
                 break;
             }
@@ -292,7 +331,7 @@ int RANSvpFile_Edf::ReadInData() {
                 if (accepted == 0) break;
                 row.time = section->time;
                 last = AppendValue(section, row.depth, row.velocity, last);
-                rows_.push_back(row);
+                d_->rows_.push_back(row);
                 break;
             }
         }
@@ -314,7 +353,7 @@ int RANSvpFile_Edf::UpdateDataFile() {
                 return -1;
             }
             const CastHeader *read = nullptr;
-            for (const CastHeader &h : headers_)
+            for (const CastHeader &h : d_->headers_)
                 if (h.time == s->time) {
                     read = &h;
                     break;
@@ -336,8 +375,8 @@ int RANSvpFile_Edf::UpdateDataFile() {
             text += (read && !read->heading.empty() ? read->heading : std::string(kDefaultEdfHeading)) + "\n";
             for (const SvpValue *v = s->values; v; v = v->next) {
                 if (v->state == kRemoved) continue;
-                long row = findRow(rows_, s->time, v->depth, GetEpsilon(), hint);
-                double temperature = row >= 0 ? rows_[static_cast<std::size_t>(row)].temperature : 0.0;
+                long row = findRow(d_->rows_, s->time, v->depth, GetEpsilon(), hint);
+                double temperature = row >= 0 ? d_->rows_[static_cast<std::size_t>(row)].temperature : 0.0;
                 text += velmio::svp::format("%.1lf %.2lf %.2lf\n", v->depth, temperature, v->velocity);
             }
         }

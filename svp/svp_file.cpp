@@ -4,6 +4,7 @@
 
 #include "foundation/utf8.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 #include "platform/system_error.h"
 #include "svp/svp_text.h"
 
@@ -33,11 +34,19 @@ double SvpFile::LLDGStringToDouble(const MORVAUString &text) {
 
 // ---- life cycle ----
 
-SvpFile::SvpFile() = default;
+struct SvpFile::Impl {
+    MORVAUString errorText_;
+    MORVAUString fileName_;
+    SvpSections *sections_ = nullptr;
+    double epsilon_ = kDefaultEpsilon;
+    SvpSections *tail_ = nullptr;  // sections are only ever appended
+};
 
-SvpFile::SvpFile(const MORVAUString &fileName) : fileName_(fileName) {}
+SvpFile::SvpFile() : d_(new Impl) {}
 
-SvpFile::SvpFile(const SvpFile &other) { CopyFrom(other); }
+SvpFile::SvpFile(const MORVAUString &fileName) : d_(new Impl) { d_->fileName_ = fileName; }
+
+SvpFile::SvpFile(const SvpFile &other) : d_(new Impl) { CopyFrom(other); }
 
 SvpFile &SvpFile::operator=(const SvpFile &other) {
     if (this != &other) {
@@ -50,12 +59,16 @@ SvpFile &SvpFile::operator=(const SvpFile &other) {
 
 SvpFile::~SvpFile() { ClearSections(); }
 
+const SvpFile::SvpSections *SvpFile::GetSections() const { return d_->sections_; }
+const wchar_t *SvpFile::GetErrorText() const { return d_->errorText_.c_str(); }
+const MORVAUString &SvpFile::FileName() const { return d_->fileName_; }
+
 void SvpFile::CopyFrom(const SvpFile &other) {
-    errorText_ = other.errorText_;
-    fileName_ = other.fileName_;
-    epsilon_ = other.epsilon_;
+    d_->errorText_ = other.d_->errorText_;
+    d_->fileName_ = other.d_->fileName_;
+    d_->epsilon_ = other.d_->epsilon_;
     try {
-        for (const SvpSections *s = other.sections_; s; s = s->next) {
+        for (const SvpSections *s = other.d_->sections_; s; s = s->next) {
             SvpSections *copy = AppendSection(s->time, s->latitude, s->longitude);
             copy->state = s->state;
             SvpValue *tail = nullptr;
@@ -71,10 +84,10 @@ void SvpFile::CopyFrom(const SvpFile &other) {
 }
 
 void SvpFile::ClearSections() {
-    tail_ = nullptr;
-    while (sections_) {
-        SvpSections *s = sections_;
-        sections_ = s->next;
+    d_->tail_ = nullptr;
+    while (d_->sections_) {
+        SvpSections *s = d_->sections_;
+        d_->sections_ = s->next;
         while (s->values) {
             SvpValue *v = s->values;
             s->values = v->next;
@@ -87,11 +100,11 @@ void SvpFile::ClearSections() {
 SvpFile::SvpSections *SvpFile::AppendSection(double time, const MORVAUString &latitude,
                                              const MORVAUString &longitude) {
     auto *section = new SvpSections{time, latitude, longitude, kCreated, nullptr, nullptr};
-    if (tail_)
-        tail_->next = section;
+    if (d_->tail_)
+        d_->tail_->next = section;
     else
-        sections_ = section;
-    tail_ = section;
+        d_->sections_ = section;
+    d_->tail_ = section;
     return section;
 }
 
@@ -118,14 +131,14 @@ int SvpFile::LiveValueCount(const SvpSections *section) {
 // ---- lookups ----
 
 SvpFile::SvpSections *SvpFile::FindSection(double time) const {
-    for (SvpSections *s = sections_; s; s = s->next)
+    for (SvpSections *s = d_->sections_; s; s = s->next)
         if (s->time == time) return s;
     return nullptr;
 }
 
 SvpFile::SvpValue *SvpFile::FindValue(const SvpSections *section, double depth) const {
     for (SvpValue *v = section->values; v; v = v->next)
-        if (std::fabs(v->depth - depth) <= epsilon_) return v;
+        if (std::fabs(v->depth - depth) <= d_->epsilon_) return v;
     return nullptr;
 }
 
@@ -223,7 +236,7 @@ int SvpFile::AddSvpValue(double time, double depth, double velocity) {
 
 int SvpFile::SetFileName(const MORVAUString &fileName) {
     try {
-        fileName_ = fileName;
+        d_->fileName_ = fileName;
     } catch (...) {
         return kOutOfMemory;
     }
@@ -232,7 +245,7 @@ int SvpFile::SetFileName(const MORVAUString &fileName) {
 
 int SvpFile::GetFileName(MORVAUString &fileName) const {
     try {
-        fileName = fileName_;
+        fileName = d_->fileName_;
     } catch (...) {
         return kOutOfMemory;
     }
@@ -241,24 +254,24 @@ int SvpFile::GetFileName(MORVAUString &fileName) const {
 
 int SvpFile::SetEpsilon(double tolerance) {
     if (!std::isfinite(tolerance) || tolerance < 0.0) return -1;
-    epsilon_ = tolerance;
+    d_->epsilon_ = tolerance;
     return 0;
 }
 
-double SvpFile::GetEpsilon() const { return epsilon_; }
+double SvpFile::GetEpsilon() const { return d_->epsilon_; }
 
 // ---- writing ----
 
 void SvpFile::SetErrorText(int errnum) {
     try {
-        errorText_ = MORVAUString(velmio::fromUtf8(velmio::platform::systemMessage(errnum)));
+        d_->errorText_ = MORVAUString(velmio::fromUtf8(velmio::platform::systemMessage(errnum)));
     } catch (...) {
         // Keeping the text is best effort; the -1 already tells the failure.
     }
 }
 
 int SvpFile::ReplaceFile(const std::string &text) {
-    int error = velmio::svp::replaceFile(fileName_.str(), text);
+    int error = velmio::svp::replaceFile(d_->fileName_.str(), text);
     if (error == 0) return 0;
     SetErrorText(error);
     return -1;
@@ -269,7 +282,7 @@ int SvpFile::ReplaceFile(const std::string &text) {
 namespace {
 struct FileCloser {
     void operator()(std::FILE *f) const {
-        if (f) std::fclose(f);
+        if (f) velmio::platform::closeFile(f);
     }
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;

@@ -3,8 +3,8 @@
 #include <velmio/time_conversions.h>
 
 #include "foundation/classic_locale.h"
-#include "platform/files.h"
-#include "platform/native_path.h"
+#include "platform/durable_replace.h"
+#include "platform/stdio_file.h"
 
 #include <cctype>
 #include <cerrno>
@@ -12,10 +12,6 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <memory>
-
-#if !defined(_WIN32)
-#include <sys/stat.h>
-#endif
 
 namespace velmio::svp {
 
@@ -187,49 +183,13 @@ std::string dmsTextFromMinutes(bool negative, int degrees, double minutes, int d
     return wholeSecondsText(negative, total, degreeDigits);
 }
 
-namespace {
-struct FileCloser {
-    void operator()(std::FILE *f) const {
-        if (f) std::fclose(f);
-    }
-};
-
-int failure() { return errno != 0 ? errno : EIO; }
-}  // namespace
-
 int replaceFile(const std::wstring &target, const std::string &text) {
-    if (target.empty()) return ENOENT;
-    errno = 0;
-    std::wstring temporary = platform::temporarySibling(target.c_str());
-    if (temporary.empty()) return failure();
-
-    int error = 0;
-    {
-        std::unique_ptr<std::FILE, FileCloser> out(platform::openFile(temporary.c_str(), "wb"));
-        if (!out) {
-            error = failure();
-        } else {
-            if (!text.empty() && std::fwrite(text.data(), 1, text.size(), out.get()) != text.size()) error = failure();
-            if (!error && std::fflush(out.get()) != 0) error = failure();
-            std::FILE *f = out.release();
-            if (std::fclose(f) != 0 && !error) error = failure();
-        }
-    }
-#if !defined(_WIN32)
-    if (!error) {
-        // The temporary is private to its owner; the result should not be.
-        struct stat st;
-        mode_t mode = 0644;
-        if (::stat(platform::nativePath(target).c_str(), &st) == 0) mode = st.st_mode & 07777;
-        ::chmod(platform::nativePath(temporary).c_str(), mode);
-    }
-#endif
-    if (!error) {
+    return platform::replaceFile(target, [&](std::FILE *out) {
         errno = 0;
-        if (!platform::renameFile(temporary.c_str(), target.c_str())) error = failure();
-    }
-    if (error) platform::removeFile(temporary.c_str());
-    return error;
+        if (!text.empty() && platform::writeFile(text.data(), 1, text.size(), out) != text.size())
+            return errno != 0 ? errno : EIO;
+        return 0;
+    });
 }
 
 }  // namespace velmio::svp

@@ -76,18 +76,23 @@ TOVO_Sensor *openQuietly(OpenFn open, const std::wstring &line, const char *name
     return h;
 }
 
-void showNavigation(const std::wstring &line, const char *name, OpenFn open, int &failures) {
+using NavSummaryFn = int (*)(TOVO_Sensor *, unsigned int *, unsigned int *, unsigned int *, double *, double *,
+                             double *, double *, double *, double *, unsigned int *);
+
+// Each navigation family takes only its own handles, so it brings its own summary and close.
+void showNavigation(const std::wstring &line, const char *name, OpenFn open, NavSummaryFn summary,
+                    int (*close)(TOVO_Sensor *), int &failures) {
     TOVO_Sensor *h = openQuietly(open, line, name, failures);
     if (!h) return;
     unsigned int segments = 0, records = 0;
     double t0, t1, lat0, lat1, lon0, lon1;
-    const int rc = NavigationSummary(h, &segments, &records, nullptr, &t0, &t1, &lat0, &lat1, &lon0, &lon1, nullptr);
+    const int rc = summary(h, &segments, &records, nullptr, &t0, &t1, &lat0, &lat1, &lon0, &lon1, nullptr);
     if (rc == 0)
         row(name, records, "fixes", segments, t0, t1,
             span("lat", lat0, lat1, "deg", 1 / kDegree, "%.6f") + ", " + span("lon", lon0, lon1, "deg", 1 / kDegree, "%.6f"));
     else
         failures += reportError(name, rc);
-    NavigationClose(h);
+    close(h);
 }
 
 }  // namespace
@@ -109,8 +114,8 @@ int runShow(const Args &args) {
     std::printf("  %-22s %17s %3s  %-40s  %s\n", "sensor", "count", "seg", "time span", "range");
 
     int failures = 0;
-    showNavigation(line, "Navigation", NavigationOpenDir, failures);
-    showNavigation(line, "SSSNavigation", SSSNavigationOpenDir, failures);
+    showNavigation(line, "Navigation", NavigationOpenDir, NavigationSummary, NavigationClose, failures);
+    showNavigation(line, "SSSNavigation", SSSNavigationOpenDir, SSSNavigationSummary, SSSNavigationClose, failures);
     for (const Simple &s : kSimple) {
         TOVO_Sensor *h = openQuietly(s.open, line, s.name, failures);
         if (!h) continue;

@@ -15,11 +15,18 @@ std::string text(const char *key, const char *fallback) {
     return fallback;
 }
 
+// Arguments are taken as UTF-8 whatever the locale, as paths are on disk.
+std::wstring widen(const std::string &text) { return MORVAUString::fromUtf8(text.c_str()).str(); }
+
 std::string narrow(const std::wstring &text) { return MORVAUString(text).toUtf8(); }
 
+std::string sentence(int code) {
+    MORVAUString value;
+    return VELMIOUtils::findErrorMessage(code, value) == 0 ? value.toUtf8() : "";
+}
+
 int reportError(const char *what, int code) {
-    MORVAUString sentence;
-    std::string reason = VELMIOUtils::findErrorMessage(code, sentence) == 0 ? sentence.toUtf8() : "";
+    const std::string reason = sentence(code);
     std::fprintf(stderr, "velmio: %s: ", what);
     std::fprintf(stderr, text("ToolErrorCode", "error %d: %s").c_str(), code, reason.c_str());
     std::fputc('\n', stderr);

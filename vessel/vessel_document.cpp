@@ -3,6 +3,7 @@
 #include <velmio/vessel_queries.h>
 
 #include "foundation/diagnostics.h"
+#include "platform/durable_replace.h"
 #include "platform/files.h"
 #include "vessel/xml_access.h"
 
@@ -10,6 +11,7 @@
 #include <libxml/tree.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cwchar>
 
 namespace {
@@ -83,32 +85,52 @@ std::size_t VesselRegistry::count() { return sizeof kRegistry / sizeof kRegistry
 const wchar_t *VesselRegistry::name(std::size_t index) { return index < count() ? kRegistry[index].name : nullptr; }
 }  // namespace VELM
 
-VELMVessel::VELMVessel() = default;
+struct VELMVessel::Impl {
+    MORVAUString fileName_;
+    xmlDoc *doc_ = nullptr;
+    float fileVersion_ = 0.0f;
+    VELMVesselShape shape_;
+    std::vector<std::unique_ptr<VELMVesselSensorList>> lists_;
+    bool modified_ = false;
+    VELMVesselMetaData metaData_;
+    VELMVesselEditHistory editHistory_;
+};
 
-VELMVessel::VELMVessel(const wchar_t *fileName, int &error) {
+VELMVessel::VELMVessel() : d_(new Impl) {}
+
+VELMVessel::VELMVessel(const wchar_t *fileName, int &error) : d_(new Impl) {
     error = setFileName(fileName);
     if (error == 0) error = read();
 }
 
 VELMVessel::~VELMVessel() { releaseDocument(); }
 
+const wchar_t *VELMVessel::getFileName() const { return d_->fileName_.c_str(); }
+float VELMVessel::getFileVersion() const { return d_->fileVersion_; }
+bool VELMVessel::isModified() const { return d_->modified_; }
+const std::vector<std::unique_ptr<VELMVesselSensorList>> &VELMVessel::getSensors() const { return d_->lists_; }
+void VELMVessel::setVesselShape(const VELMVesselShape &shape) { d_->shape_ = shape; }
+const VELMVesselShape &VELMVessel::getVesselShape() const { return d_->shape_; }
+const VELMVesselMetaData &VELMVessel::getMetaData() const { return d_->metaData_; }
+const VELMVesselEditHistory &VELMVessel::getEditHistory() const { return d_->editHistory_; }
+
 void VELMVessel::releaseDocument() {
     // The document goes as a whole; entries kept by callers lose their binding.
-    for (auto &list : lists_) list->forgetNodes();
-    lists_.clear();
-    if (doc_) xmlFreeDoc(doc_);
-    doc_ = nullptr;
+    for (auto &list : d_->lists_) list->forgetNodes();
+    d_->lists_.clear();
+    if (d_->doc_) xmlFreeDoc(d_->doc_);
+    d_->doc_ = nullptr;
 }
 
 int VELMVessel::setFileName(const wchar_t *name, bool forgetDocument) {
     if (!name) return kNullFileName;
     MORVAUString file(name);
     if (!file.endsWithIgnoreCase(getDefaultExtension())) file += getDefaultExtension();
-    fileName_ = file;
-    if (forgetDocument && doc_) {
-        for (auto &list : lists_) list->forgetNodes();
-        xmlFreeDoc(doc_);
-        doc_ = nullptr;
+    d_->fileName_ = file;
+    if (forgetDocument && d_->doc_) {
+        for (auto &list : d_->lists_) list->forgetNodes();
+        xmlFreeDoc(d_->doc_);
+        d_->doc_ = nullptr;
     }
     return 0;
 }
@@ -130,46 +152,46 @@ bool VELMVessel::resolveVesselName(const wchar_t *name, MORVAUString &path) {
 
 int VELMVessel::read() {
     releaseDocument();
-    shape_ = VELMVesselShape();
-    const MORVAUString heldName = fileName_;
+    d_->shape_ = VELMVesselShape();
+    const MORVAUString heldName = d_->fileName_;
     MORVAUString resolved;
-    if (resolveVesselName(fileName_.c_str(), resolved)) fileName_ = resolved;
+    if (resolveVesselName(d_->fileName_.c_str(), resolved)) d_->fileName_ = resolved;
     {
         DropBlankText noBlanks;
-        doc_ = VELM::OpenXmlFile(fileName_.c_str());
+        d_->doc_ = VELM::OpenXmlFile(d_->fileName_.c_str());
     }
-    if (!doc_) {
-        MORVAUString version1 = fileName_;
+    if (!d_->doc_) {
+        MORVAUString version1 = d_->fileName_;
         if (version1.endsWithIgnoreCase(getDefaultExtension()))
             version1 = version1.substr(0, version1.length() - std::wcslen(getDefaultExtension()));
         velmio::say("%s is a Version 1 VCF file.  Attempting to load using Version 1 API\n",
                     velmio::printable(version1.c_str()).c_str());
         const int status = VELMVesselImport(version1.c_str(), this);
-        fileName_ = heldName;
+        d_->fileName_ = heldName;
         return status;
     }
-    fileName_ = heldName;
+    d_->fileName_ = heldName;
     return readDocument();
 }
 
 int VELMVessel::readDocument() {
-    xmlNode *root = xmlDocGetRootElement(doc_);
+    xmlNode *root = xmlDocGetRootElement(d_->doc_);
     const auto version = velmio::vessel::attributeText(root, "Version");
     if (!root || !velmio::vessel::sameName(root->name, "VELMVesselConfig") || !version || version->empty()) {
         velmio::say("VELMVessel::read(): %s is not a vessel configuration document\n",
-                    velmio::printable(fileName_.c_str()).c_str());
-        xmlFreeDoc(doc_);
-        doc_ = nullptr;
+                    velmio::printable(d_->fileName_.c_str()).c_str());
+        xmlFreeDoc(d_->doc_);
+        d_->doc_ = nullptr;
         return kNotVesselDocument;
     }
-    fileVersion_ = static_cast<float>(velmio::vessel::parseReal(*version));
+    d_->fileVersion_ = static_cast<float>(velmio::vessel::parseReal(*version));
 
     for (xmlNode *child = root->children; child;) {
         xmlNode *next = child->next;  // an empty or repeated list leaves the document
         if (child->type == XML_ELEMENT_NODE && !velmio::vessel::sameName(child->name, "EditHistory") &&
             !velmio::vessel::sameName(child->name, "MetaData")) {
             if (velmio::vessel::sameName(child->name, "VesselShape")) {
-                shape_.load(child);
+                d_->shape_.load(child);
             } else {
                 const MORVAUString elementName = MORVAUString::fromUtf8(reinterpret_cast<const char *>(child->name));
                 const wchar_t *known = VELM::VesselRegistry::canonicalName(elementName.c_str());
@@ -178,48 +200,47 @@ int VELMVessel::readDocument() {
                     list->forgetNodes();  // the document stays as read
                     return status;
                 }
-                auto at = std::find_if(lists_.begin(), lists_.end(), [&](const auto &held) {
+                auto at = std::find_if(d_->lists_.begin(), d_->lists_.end(), [&](const auto &held) {
                     return std::wcscmp(held->getName(), list->getName()) >= 0;
                 });
-                const bool repeated = at != lists_.end() && std::wcscmp((*at)->getName(), list->getName()) == 0;
+                const bool repeated = at != d_->lists_.end() && std::wcscmp((*at)->getName(), list->getName()) == 0;
                 if (repeated || list->empty()) {
                     // Only the first list of a kind counts; the list's
                     // destructor takes a repeated list out of the document.
                     if (list->empty()) list->forgetNodes();
                 } else {
-                    lists_.insert(at, std::move(list));
+                    d_->lists_.insert(at, std::move(list));
                 }
             }
         }
         child = next;
     }
-    modified_ = false;
+    d_->modified_ = false;
     return 0;
 }
 
 int VELMVessel::store() {
-    if (fileName_.empty()) return kNullFileName;
-    if (!doc_) {
-        doc_ = VELM::CreateXmlFile(L"VELMVesselConfig", 2.0f);
-        if (!doc_) return kNoDocument;
+    if (d_->fileName_.empty()) return kNullFileName;
+    if (!d_->doc_) {
+        d_->doc_ = VELM::CreateXmlFile(L"VELMVesselConfig", 2.0f);
+        if (!d_->doc_) return kNoDocument;
     }
-    xmlNode *root = xmlDocGetRootElement(doc_);
+    xmlNode *root = xmlDocGetRootElement(d_->doc_);
     if (!root || !velmio::vessel::setAttribute(root, "Version", "2.0")) return kNoDocument;
-    if (shape_.store(VELM::CreateNode(root, L"VesselShape")) != 0) return -1;
-    for (auto &list : lists_)
+    if (d_->shape_.store(VELM::CreateNode(root, L"VesselShape")) != 0) return -1;
+    for (auto &list : d_->lists_)
         if (int status = list->store(root)) return status;
 
-    // Written beside the target first, so that a failed write leaves the
-    // previous file intact.
-    const std::wstring temporary = velmio::platform::temporarySibling(fileName_.c_str());
-    if (temporary.empty()) return -1;
-    if (VELM::SaveXmlFile(doc_, temporary.c_str()) < 0 ||
-        !velmio::platform::renameFile(temporary.c_str(), fileName_.c_str())) {
-        velmio::platform::removeFile(temporary.c_str());
-        velmio::say("VELMVessel::store(): unable to write %s\n", velmio::printable(fileName_.c_str()).c_str());
+    // Written beside the target and pushed to the disk first, so that a
+    // failed write or a crash leaves the previous file intact.
+    const int error = velmio::platform::replaceFileBySaving(d_->fileName_.str(), [&](const std::wstring &temporary) {
+        return VELM::SaveXmlFile(d_->doc_, temporary.c_str()) < 0 ? (errno != 0 ? errno : EIO) : 0;
+    });
+    if (error) {
+        velmio::say("VELMVessel::store(): unable to write %s\n", velmio::printable(d_->fileName_.c_str()).c_str());
         return -1;
     }
-    modified_ = true;
+    d_->modified_ = true;
     return 0;
 }
 
@@ -227,7 +248,7 @@ VELMVesselSensorList *VELMVessel::findSensorList(const wchar_t *kind) const {
     if (!kind) return nullptr;
     const wchar_t *known = VELM::VesselRegistry::canonicalName(kind);
     const wchar_t *wanted = known ? known : kind;
-    for (const auto &list : lists_)
+    for (const auto &list : d_->lists_)
         if (std::wcscmp(list->getName(), wanted) == 0) return list.get();
     return nullptr;
 }
@@ -238,9 +259,9 @@ VELMVesselSensorList *VELMVessel::addList(const wchar_t *kind) {
     if (VELMVesselSensorList *held = findSensorList(kind)) return held;
     const wchar_t *known = VELM::VesselRegistry::canonicalName(kind);
     auto list = std::make_unique<VELMVesselSensorList>(known ? known : kind);
-    auto at = std::find_if(lists_.begin(), lists_.end(),
+    auto at = std::find_if(d_->lists_.begin(), d_->lists_.end(),
                            [&](const auto &held) { return std::wcscmp(held->getName(), list->getName()) > 0; });
-    return lists_.insert(at, std::move(list))->get();
+    return d_->lists_.insert(at, std::move(list))->get();
 }
 
 std::shared_ptr<VELMVesselSensorConfig> VELMVessel::getSensor(const wchar_t *kind, double time, int &error) const {
@@ -265,7 +286,7 @@ std::shared_ptr<VELMVesselSensorConfig> VELMVessel::getLastSensor(const wchar_t 
 int VELMVessel::addSensor(std::shared_ptr<VELMVesselSensorConfig> entry) {
     if (!entry) return kNullEntry;
     const int status = addList(entry->getSensorName())->add(std::move(entry));
-    if (status == 0) modified_ = true;
+    if (status == 0) d_->modified_ = true;
     return status;
 }
 
@@ -273,7 +294,7 @@ int VELMVessel::removeSensor(double time, const wchar_t *kind) {
     VELMVesselSensorList *list = findSensorList(kind);
     if (!list) return kNoList;
     if (int status = list->remove(time)) return status;
-    modified_ = true;
+    d_->modified_ = true;
     if (list->empty()) removeAllSensors(kind);
     return 0;
 }
@@ -281,7 +302,7 @@ int VELMVessel::removeSensor(double time, const wchar_t *kind) {
 int VELMVessel::removeAllSensors(const wchar_t *kind) {
     VELMVesselSensorList *list = findSensorList(kind);
     if (!list) return kNoList;
-    lists_.erase(std::find_if(lists_.begin(), lists_.end(), [&](const auto &held) { return held.get() == list; }));
-    modified_ = true;
+    d_->lists_.erase(std::find_if(d_->lists_.begin(), d_->lists_.end(), [&](const auto &held) { return held.get() == list; }));
+    d_->modified_ = true;
     return 0;
 }

@@ -449,6 +449,6 @@ VELMIO_API int getInstallationParameterFileNameN(const wchar_t *directory, wchar
 }
 
 VELMIO_API int getInstallationParameterFileName(const wchar_t *directory, wchar_t *buffer) {
-    return getInstallationParameterFileNameN(directory, buffer, VELM_INSTALLATION_PARAMETER_CAPACITY);
+    return getInstallationParameterFileNameN(directory, buffer, VELMIO_INSTALLATION_PARAMETER_CAPACITY);
 }
 

@@ -3,6 +3,7 @@
 #include "foundation/classic_locale.h"
 #include "foundation/utf8.h"
 #include "foundation/wide_copy.h"
+#include "platform/fault_injection.h"
 #include "platform/native_path.h"
 #include "vessel/xml_access.h"
 
@@ -180,6 +181,8 @@ xmlDoc *CreateXmlFile(const wchar_t *rootName, float version) {
 
 int SaveXmlFile(xmlDoc *doc, const wchar_t *path) {
     if (!doc || !path) return -1;
+    // libxml2 opens and writes the file itself: the seam sees one write.
+    if (velmio::platform::injectFault(velmio::platform::FileOp::Write)) return -1;
     QuietLibxml quiet;
     return xmlSaveFormatFile(velmio::platform::nativePath(path).c_str(), doc, 1);
 }

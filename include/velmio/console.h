@@ -27,6 +27,12 @@ VELMIO_API int VELM_IO_StartDiagnostics(void);
  * closed and forgotten. Returns 0, or -1 when closing the file failed. */
 VELMIO_API int VELM_IO_StopDiagnostics(void);
 
+/* Switches the one-line messages of failing calls on (nonzero) or off (0)
+ * for the whole process; they are on at start. Returns the previous setting
+ * (1 or 0). Programs that report failures themselves, such as the Python
+ * module, turn them off. */
+VELMIO_API int VELM_IO_SetDiagnostics(int enabled);
+
 VELMIO_END_C
 
 #endif

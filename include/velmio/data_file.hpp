@@ -35,9 +35,6 @@
 #include <vector>
 
 struct _TOVO_TmIdxSet;
-namespace velmio {
-class TimeIndex;
-}
 
 // The type of an attribute; the value is what the file stores.
 enum dataType : std::int32_t {
@@ -185,6 +182,12 @@ public:
     // when the bytes cannot be written or the file would pass 4 GiB.
     virtual int WriteRecord(double time, unsigned int status, const std::vector<dataValue> &values,
                             const std::vector<int> &counts);
+    // Finishes the file and closes it: a created file gets its time index
+    // and summary and is pushed to the disk, an updated one its changed
+    // summary. 0, or the code of the first part that could not be written
+    // (5000040 the time index, 5000026 the data file); the files are closed
+    // either way. The destructor closes an open file the same way.
+    int Close();
     // Reads record recordNumber (from 1; -999 is the one after the current
     // record). values and counts are replaced, arrays freshly allocated for
     // the caller (free them before reusing the vectors). 5000064 out of
@@ -241,9 +244,9 @@ protected:
                                                    const std::vector<dataValue> &values);
 
     // The declarations, for subclasses that check a file's attribute list.
-    const std::vector<Attribute> &dataAttributes() const { return dataAttributes_; }
-    const std::vector<Attribute> &summaryAttributes() const { return summaryAttributes_; }
-    AccessType accessType() const { return accessType_; }
+    const std::vector<Attribute> &dataAttributes() const;
+    const std::vector<Attribute> &summaryAttributes() const;
+    AccessType accessType() const;
 
 private:
     static int CopyAttributes(const std::vector<Attribute> &attributes, const std::vector<dataValue> &values,
@@ -252,8 +255,8 @@ private:
                               std::vector<int> *outCounts);
 
     void copyFrom(const VELMDataFile &other);
-    void finish();
-    void closeFiles();
+    int finish();
+    int closeFiles();
     std::uint64_t recordSize(const std::vector<dataValue> &values, const std::vector<int> &counts) const;
     unsigned int fixedRecordSize() const;
     int summaryIndex(int index) const;
@@ -264,49 +267,10 @@ private:
                      const std::vector<Attribute> &attributes);
     int readRecordBytes(unsigned int recordNumber, unsigned int offset, std::vector<char> &bytes);
 
-    std::FILE *dataFile_ = nullptr;
-    std::FILE *indexFile_ = nullptr;
-    std::vector<char> recordBuffer_;
-    unsigned int summaryRecordSize_ = 0;
-    unsigned int dataRecordSize_ = 12;
-    bool summaryDirty_ = false;
-    bool reposition_ = true;  // the data file is not known to sit at the next record
-    unsigned int posDataRecordSize_ = 0;
-    unsigned int posSummaryStatus_ = 0;
-    unsigned int posReferenceTime_ = 0;
-    unsigned int posMinTime_ = 0;
-    unsigned int posMaxTime_ = 0;
-    unsigned int posRecordCount_ = 0;
-    AccessType accessType_ = ACCESS_READ;
-    MORVAUString dataPath_;
-    MORVAUString indexPath_;
-    unsigned int numberOfRecords_ = 0;
-    unsigned int typeWord_ = 0;
-    unsigned int fileVersion_ = 2;
-    unsigned int dataVersion_ = 0;
-    bool summaryWritten_ = false;
-    unsigned int currentRecord_ = 0;
-    bool attributesOpen_ = true;
-    MORVAUString description_;
-    int timeScale_ = 1000;
-    unsigned int summaryStatus_ = 0;
-    unsigned int dataStatus_ = 0;
-    int referenceTime_ = 0;
-    double minTime_;
-    double maxTime_;
-    std::vector<Attribute> summaryAttributes_;
-    std::vector<dataValue> summaryValues_;
-    std::vector<int> summaryCounts_;
-    std::vector<Attribute> dataAttributes_;
-    std::vector<dataValue> currentValues_;
-    std::vector<int> currentCounts_;
-    unsigned int recordBufferCapacity_ = 512;
-    std::unique_ptr<velmio::TimeIndex> index_;
-    bool variableLength_ = false;
-    std::uint64_t fileSize_ = 0;        // read and update: bytes of the data file
-    std::uint64_t endOfData_ = 0;       // create: where the next record goes
-    bool createdData_ = false;          // this object made the files it may delete
-    bool createdIndex_ = false;
+    // The state lives in the library, so that it can change without breaking
+    // programs built against an earlier version.
+    struct Impl;
+    std::unique_ptr<Impl> d_;
 };
 
 // The raw data index: the file "RawDataIndex", type word 70, data version 1,

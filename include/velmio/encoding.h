@@ -18,9 +18,9 @@
 VELMIO_BEGIN_C
 
 /* Access modes of a sensor handle. */
-#define TOVO_ACCESS_CREATE 1
-#define TOVO_ACCESS_QUERY 2
-#define TOVO_ACCESS_UPDATE 3
+#define VELMIO_ACCESS_CREATE 1
+#define VELMIO_ACCESS_QUERY 2
+#define VELMIO_ACCESS_UPDATE 3
 
 VELMIO_API int TOVO_EncodeMeters(double metres);
 VELMIO_API double TOVO_DecodeMeters(int value);

@@ -14,10 +14,11 @@
  *
  * Calling orders:
  *   write: OpenDir(dir, "create"), BgnSeqWriteSummary(coordinateType), then per
- *          raw source file BgnSeqWriteLineSegment(name), SeqWrite...,
+ *          raw source file BgnSeqWriteLineSegment(name), SeqWrite... (or SeqWriteRange),
  *          EndSeqWriteLineSegment(status); then EndSeqWriteSummary(status), Close.
  *          A handle closed without records leaves no files.
- *   read:  OpenDir(dir, "query"), Summary, LineSegment(n), Read(n) or ReadSeq, Close.
+ *   read:  OpenDir(dir, "query"), Summary, LineSegment(n), Read(n), ReadRange or
+ *          ReadSeq, Close.
  *   edit:  OpenDir(dir, "update"), Read, GetRecordStatus, Set...Status,
  *          SaveStatusToDisk, Close (edits not saved are lost).
  * Records and segments count from 1. The name LineSegment hands out is a
@@ -70,6 +71,14 @@ VELMIO_API int NavigationLineSegment(TOVO_Sensor *handle, int segmentNumber, wch
  * the edited one). Every output is required. */
 VELMIO_API int NavigationRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *latitude,
                               double *longitude, double *metres, unsigned int *status);
+/* Bulk read of records firstRecord .. firstRecord + count - 1 (query or
+ * update) into caller-owned arrays of count entries, one per field; any array
+ * may be null. The values (and, in update mode, the edited statuses) are
+ * those Read gives record by record. count 0 returns 0 and touches nothing;
+ * a range that runs past the last record returns 5000119 and writes nothing;
+ * on any other failure the entries before the failing record are filled. */
+VELMIO_API int NavigationReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+                                   double *latitudes, double *longitudes, double *metres, unsigned int *statuses);
 /* Reads the next record (query mode only); the first call gives record 1. */
 VELMIO_API int NavigationReadSeq(TOVO_Sensor *handle, double *time, double *latitude, double *longitude,
                                  double *metres, unsigned int *status);
@@ -80,6 +89,13 @@ VELMIO_API int NavigationBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar
 /* Create mode: appends one record. */
 VELMIO_API int NavigationSeqWrite(TOVO_Sensor *handle, double time, double latitude, double longitude,
                                   double metres, unsigned int status);
+/* Create mode: appends count records from caller arrays, the same bytes as
+ * count SeqWrite calls. The value arrays are required (-1 when one is null
+ * and count > 0); a null statuses array writes status 0. count 0 returns 0;
+ * a failure stops at the failing record, the records before it written. */
+VELMIO_API int NavigationSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times,
+                                       const double *latitudes, const double *longitudes, const double *metres,
+                                       const unsigned int *statuses);
 /* Create mode: ends the current segment (5000117 when none was begun). */
 VELMIO_API int NavigationEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 /* Create mode: sets the summary status. */
@@ -110,12 +126,18 @@ VELMIO_API int SSSNavigationLineSegment(TOVO_Sensor *handle, int segmentNumber, 
                                         double *minLongitude, double *maxLongitude, unsigned int *status);
 VELMIO_API int SSSNavigationRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *latitude,
                                  double *longitude, double *metres, unsigned int *status);
+VELMIO_API int SSSNavigationReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count,
+                                      double *times, double *latitudes, double *longitudes, double *metres,
+                                      unsigned int *statuses);
 VELMIO_API int SSSNavigationReadSeq(TOVO_Sensor *handle, double *time, double *latitude, double *longitude,
                                     double *metres, unsigned int *status);
 VELMIO_API int SSSNavigationBgnSeqWriteSummary(TOVO_Sensor *handle, unsigned int coordinateType);
 VELMIO_API int SSSNavigationBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int SSSNavigationSeqWrite(TOVO_Sensor *handle, double time, double latitude, double longitude,
                                      double metres, unsigned int status);
+VELMIO_API int SSSNavigationSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times,
+                                          const double *latitudes, const double *longitudes, const double *metres,
+                                          const unsigned int *statuses);
 VELMIO_API int SSSNavigationEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SSSNavigationEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SSSNavigationSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);

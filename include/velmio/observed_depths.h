@@ -35,7 +35,7 @@
 VELMIO_BEGIN_C
 
 /* The rejection bits of a beam's status word (ObservedDepthsUpdateRejectionStatus). */
-#define OBSERVED_DEPTHS_REJECTION_MASK 0xF3F80000u
+#define VELMIO_OBSERVED_DEPTHS_REJECTION_MASK 0xF3F80000u
 
 /* Opens the line's observed depths ("ObservedDepths", or "ObservedDepthsNew"
  * for the New form) with the token "create", "query" or "update". Returns the
@@ -65,6 +65,23 @@ VELMIO_API int ObservedDepthsReadProfile(TOVO_Sensor *handle, unsigned int profi
 VELMIO_API int ObservedDepthsRead(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,
                                   double *time, double *y, double *x, double *depth, double *extra,
                                   unsigned int *status);
+/* Bulk reads (query or update) of profiles firstProfile .. firstProfile +
+ * count - 1 into caller-owned arrays; any array may be null. ReadProfiles
+ * fills count entries per header field, as ReadProfile gives them.
+ * ReadBeams fills flat beam arrays with every beam of those profiles in
+ * order (the values Read gives) and beamOffsets (count + 1 entries) with
+ * the index of each profile's first beam, the last entry the beam total, so
+ * ragged and empty profiles stay exact. count 0 returns 0 and touches
+ * nothing; a range past the last profile, or a beam total above
+ * beamCapacity, returns 5000219 and writes nothing; on any other failure
+ * the entries before the failing one are filled. */
+VELMIO_API int ObservedDepthsReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                          unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
+                                          double *angles1, double *angles2, unsigned int *statuses);
+VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                       unsigned int beamCapacity, unsigned int *beamOffsets, double *times,
+                                       double *ys, double *xs, double *depths, double *extras,
+                                       unsigned int *statuses);
 /* The next header (query only) and the next beam (query or update) at the
  * file position: after open, profile 1. */
 VELMIO_API int ObservedDepthsReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeams, unsigned int *firstBeam,
@@ -83,6 +100,15 @@ VELMIO_API int ObservedDepthsBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned in
                                                 unsigned int status);
 VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y, double x, double depth,
                                       double reserved1, double reserved2, unsigned int status);
+/* Appends count beams of the open profile from caller arrays (create mode,
+ * between BgnSeqWriteProfile and EndSeqWriteProfile): the same bytes as
+ * count SeqWrite calls; the reserved values are not stored, so they have no
+ * arrays. The value arrays are required (-1 when one is null and count > 0);
+ * a null statuses array writes status 0. A failure stops at the failing
+ * beam, the beams before it written. */
+VELMIO_API int ObservedDepthsSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *times,
+                                           const double *ys, const double *xs, const double *depths,
+                                           const unsigned int *statuses);
 VELMIO_API int ObservedDepthsEndSeqWriteProfile(TOVO_Sensor *handle);
 VELMIO_API int ObservedDepthsEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int ObservedDepthsEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
@@ -94,7 +120,7 @@ VELMIO_API int ObservedDepthsSetLineSegmentStatus(TOVO_Sensor *handle, int segme
 
 /* Beam edits (update mode), written in place at once. UpdateStatus replaces
  * the upper 16 bits and keeps the time offset; UpdateRejectionStatus replaces
- * only the bits of OBSERVED_DEPTHS_REJECTION_MASK (bits should lie within it)
+ * only the bits of VELMIO_OBSERVED_DEPTHS_REJECTION_MASK (bits should lie within it)
  * and writes nothing when they are already so; the depth edits widen the
  * summary and segment depth bounds (never narrow them). In UpdateXYZStatus
  * each non-null argument replaces its value. */

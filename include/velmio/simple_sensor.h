@@ -15,10 +15,11 @@
  *
  * Calling orders:
  *   write: OpenDir(dir, "create"), BgnSeqWriteSummary, then per raw source
- *          file BgnSeqWriteLineSegment(name), SeqWrite..., EndSeqWriteLineSegment;
- *          then EndSeqWriteSummary(status) and Close. A handle closed without
+ *          file BgnSeqWriteLineSegment(name), SeqWrite... (or SeqWriteRange),
+ *          EndSeqWriteLineSegment; then EndSeqWriteSummary(status) and Close. A handle closed without
  *          records leaves no files.
- *   read:  OpenDir(dir, "query"), Summary, LineSegment(n), Read(n) or ReadSeq, Close.
+ *   read:  OpenDir(dir, "query"), Summary, LineSegment(n), Read(n), ReadRange or
+ *          ReadSeq, Close.
  *   edit:  OpenDir(dir, "update"), Read, Set...Status, SaveStatusToDisk, Close.
  * Records and segments count from 1. Names handed out (LineSegment) are
  * fresh heap copies the caller frees with free() or VELMIO_free(); the handle
@@ -46,8 +47,8 @@
 VELMIO_BEGIN_C
 
 /* Value scales of SimpleSensorOpen. */
-#define SIMPLE_SENSOR_METRES 0
-#define SIMPLE_SENSOR_RADIANS 1
+#define VELMIO_SIMPLE_SENSOR_METRES 0
+#define VELMIO_SIMPLE_SENSOR_RADIANS 1
 
 /* Opens sensor type typeId (one of the fourteen families' ids) in
  * lineDirectory for "create", "query" or "update", with values scaled as
@@ -70,6 +71,14 @@ VELMIO_API int SimpleSensorLineSegment(TOVO_Sensor *handle, int segmentNumber, w
  * the edited one). time and value may be null, status is required. */
 VELMIO_API int SimpleSensorRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value,
                                 unsigned int *status);
+/* Bulk read of records firstRecord .. firstRecord + count - 1 (query or
+ * update) into caller-owned arrays of count entries, one per field; any array
+ * may be null. Values, and the edited statuses in update mode, are those Read
+ * gives record by record. count 0 returns 0 and touches nothing; a range
+ * that runs past the last record returns 5001219 and writes nothing; on any
+ * other failure the entries before the failing record are filled. */
+VELMIO_API int SimpleSensorReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count,
+                                     double *times, double *values, unsigned int *statuses);
 /* Reads the next record (query mode only); the first call gives record 1. */
 VELMIO_API int SimpleSensorReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 /* Create mode check before writing: 0 or 5001218. */
@@ -78,6 +87,14 @@ VELMIO_API int SimpleSensorBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int SimpleSensorBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 /* Appends one record (create mode). */
 VELMIO_API int SimpleSensorSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+/* Appends count records (create mode) from caller arrays: the same bytes as
+ * count SeqWrite calls. times and values are required (-1 when null and
+ * count > 0); a null statuses array writes status 0. count 0 returns 0. A
+ * failure stops at the failing record, the records before it written. */
+VELMIO_API int SimpleSensorSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times,
+                                         const double *values, const unsigned int *statuses);
+VELMIO_API int SimpleSensorSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 /* Ends the current segment with the given status (create mode; 5001217
  * when no segment was begun). */
 VELMIO_API int SimpleSensorEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
@@ -108,10 +125,14 @@ VELMIO_API int GyroSummary(TOVO_Sensor *handle, unsigned int *segmentCount, unsi
 VELMIO_API int GyroLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int GyroRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int GyroReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int GyroReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int GyroBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int GyroBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int GyroSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int GyroSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int GyroEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int GyroEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int GyroSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -128,10 +149,14 @@ VELMIO_API int HeaveSummary(TOVO_Sensor *handle, unsigned int *segmentCount, uns
 VELMIO_API int HeaveLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int HeaveRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int HeaveReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int HeaveReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int HeaveBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int HeaveBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int HeaveSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int HeaveSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int HeaveEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int HeaveEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int HeaveSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -148,10 +173,14 @@ VELMIO_API int PitchSummary(TOVO_Sensor *handle, unsigned int *segmentCount, uns
 VELMIO_API int PitchLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int PitchRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int PitchReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int PitchReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int PitchBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int PitchBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int PitchSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int PitchSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int PitchEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int PitchEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int PitchSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -168,10 +197,14 @@ VELMIO_API int RollSummary(TOVO_Sensor *handle, unsigned int *segmentCount, unsi
 VELMIO_API int RollLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int RollRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int RollReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int RollReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int RollBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int RollBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int RollSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int RollSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int RollEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int RollEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int RollSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -188,10 +221,14 @@ VELMIO_API int TideSummary(TOVO_Sensor *handle, unsigned int *segmentCount, unsi
 VELMIO_API int TideLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int TideRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int TideReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int TideReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int TideBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int TideBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int TideSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int TideSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int TideEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int TideEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int TideSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -208,10 +245,14 @@ VELMIO_API int SSSGyroSummary(TOVO_Sensor *handle, unsigned int *segmentCount, u
 VELMIO_API int SSSGyroLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int SSSGyroRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int SSSGyroReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int SSSGyroReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int SSSGyroBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int SSSGyroBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int SSSGyroSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int SSSGyroSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int SSSGyroEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SSSGyroEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SSSGyroSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -228,10 +269,14 @@ VELMIO_API int SSSCableOutSummary(TOVO_Sensor *handle, unsigned int *segmentCoun
 VELMIO_API int SSSCableOutLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int SSSCableOutRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int SSSCableOutReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int SSSCableOutReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int SSSCableOutBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int SSSCableOutBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int SSSCableOutSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int SSSCableOutSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int SSSCableOutEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SSSCableOutEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SSSCableOutSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -248,10 +293,14 @@ VELMIO_API int SSSSensorHeightSummary(TOVO_Sensor *handle, unsigned int *segment
 VELMIO_API int SSSSensorHeightLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int SSSSensorHeightRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int SSSSensorHeightReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int SSSSensorHeightReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int SSSSensorHeightBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int SSSSensorHeightBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int SSSSensorHeightSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int SSSSensorHeightSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int SSSSensorHeightEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SSSSensorHeightEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SSSSensorHeightSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -268,10 +317,14 @@ VELMIO_API int SSSSensorDepthSummary(TOVO_Sensor *handle, unsigned int *segmentC
 VELMIO_API int SSSSensorDepthLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int SSSSensorDepthRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int SSSSensorDepthReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int SSSSensorDepthReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int SSSSensorDepthBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int SSSSensorDepthBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int SSSSensorDepthSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int SSSSensorDepthSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int SSSSensorDepthEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SSSSensorDepthEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SSSSensorDepthSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -288,10 +341,14 @@ VELMIO_API int DeltaDraftSummary(TOVO_Sensor *handle, unsigned int *segmentCount
 VELMIO_API int DeltaDraftLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int DeltaDraftRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int DeltaDraftReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int DeltaDraftReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int DeltaDraftBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int DeltaDraftBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int DeltaDraftSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int DeltaDraftSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int DeltaDraftEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int DeltaDraftEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int DeltaDraftSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -308,10 +365,14 @@ VELMIO_API int SOWSummary(TOVO_Sensor *handle, unsigned int *segmentCount, unsig
 VELMIO_API int SOWLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int SOWRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int SOWReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int SOWReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int SOWBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int SOWBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int SOWSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int SOWSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int SOWEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SOWEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SOWSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -328,10 +389,14 @@ VELMIO_API int GPSHeightSummary(TOVO_Sensor *handle, unsigned int *segmentCount,
 VELMIO_API int GPSHeightLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int GPSHeightRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int GPSHeightReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int GPSHeightReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int GPSHeightBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int GPSHeightBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int GPSHeightSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int GPSHeightSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int GPSHeightEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int GPSHeightEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int GPSHeightSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -348,10 +413,14 @@ VELMIO_API int GPSTideSummary(TOVO_Sensor *handle, unsigned int *segmentCount, u
 VELMIO_API int GPSTideLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int GPSTideRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int GPSTideReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int GPSTideReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int GPSTideBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int GPSTideBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int GPSTideSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int GPSTideSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int GPSTideEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int GPSTideEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int GPSTideSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);
@@ -368,10 +437,14 @@ VELMIO_API int TrueHeaveSummary(TOVO_Sensor *handle, unsigned int *segmentCount,
 VELMIO_API int TrueHeaveLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **name, unsigned int *firstRecord,
     unsigned int *lastRecord, double *minTime, double *maxTime, double *minValue, double *maxValue, unsigned int *status);
 VELMIO_API int TrueHeaveRead(TOVO_Sensor *handle, unsigned int recordNumber, double *time, double *value, unsigned int *status);
+VELMIO_API int TrueHeaveReadRange(TOVO_Sensor *handle, unsigned int firstRecord, unsigned int count, double *times,
+    double *values, unsigned int *statuses);
 VELMIO_API int TrueHeaveReadSeq(TOVO_Sensor *handle, double *time, double *value, unsigned int *status);
 VELMIO_API int TrueHeaveBgnSeqWriteSummary(TOVO_Sensor *handle);
 VELMIO_API int TrueHeaveBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName);
 VELMIO_API int TrueHeaveSeqWrite(TOVO_Sensor *handle, double time, double value, unsigned int status);
+VELMIO_API int TrueHeaveSeqWriteRange(TOVO_Sensor *handle, unsigned int count, const double *times, const double *values,
+    const unsigned int *statuses);
 VELMIO_API int TrueHeaveEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int TrueHeaveEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int TrueHeaveSetSummaryStatus(TOVO_Sensor *handle, unsigned int status);

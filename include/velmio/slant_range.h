@@ -57,6 +57,23 @@ VELMIO_API int SLRangeReadProfile(TOVO_Sensor *handle, unsigned int profileNumbe
 VELMIO_API int SLRangeRead(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,
                            double *beamTime, double *range, double *value, double *beamAngle1, double *beamAngle2,
                            unsigned int *status);
+/* Bulk reads (query or update) of profiles firstProfile .. firstProfile +
+ * count - 1 into caller-owned arrays; any array may be null. ReadProfiles
+ * fills count entries per header field, as ReadProfile gives them.
+ * ReadBeams fills flat beam arrays with every beam of those profiles in
+ * order (the values Read gives) and beamOffsets (count + 1 entries) with
+ * the index of each profile's first beam, the last entry the beam total, so
+ * ragged and empty profiles stay exact. count 0 returns 0 and touches
+ * nothing; a range past the last profile, or a beam total above
+ * beamCapacity, returns 5001919 and writes nothing; on any other failure
+ * the entries before the failing one are filled. */
+VELMIO_API int SLRangeReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                   unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
+                                   double *angles1, double *angles2, unsigned int *statuses);
+VELMIO_API int SLRangeReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes,
+                                double *ranges, double *values, double *beamAngles1, double *beamAngles2,
+                                unsigned int *statuses);
 /* The next header and the next beam at the file position (query only). */
 VELMIO_API int SLRangeReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeams, unsigned int *firstBeam,
                                      double *time, double *angle1, double *angle2, unsigned int *status);
@@ -73,6 +90,14 @@ VELMIO_API int SLRangeBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numbe
                                          double time, double angle1, double angle2, unsigned int status);
 VELMIO_API int SLRangeSeqWrite(TOVO_Sensor *handle, double beamTime, double range, double value, double beamAngle1,
                                double beamAngle2, unsigned int status);
+/* Appends count beams of the open profile from caller arrays (create mode,
+ * between BgnSeqWriteProfile and EndSeqWriteProfile): the same bytes as
+ * count SeqWrite calls. The value arrays are required (-1 when one is null
+ * and count > 0); a null statuses array writes status 0. A failure stops at
+ * the failing beam, the beams before it written. */
+VELMIO_API int SLRangeSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *beamTimes,
+                                    const double *ranges, const double *values, const double *beamAngles1,
+                                    const double *beamAngles2, const unsigned int *statuses);
 VELMIO_API int SLRangeEndSeqWriteProfile(TOVO_Sensor *handle);
 VELMIO_API int SLRangeEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int SLRangeEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);

@@ -25,6 +25,7 @@
 #include <velmio/morva_string.hpp>
 
 #include <cstdio>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -111,9 +112,9 @@ public:
     double GetEpsilon() const;
 
     // The head of the section list (null when empty); owned by the model.
-    const SvpSections *GetSections() const { return sections_; }
+    const SvpSections *GetSections() const;
     // The system's text of the last writing failure ("" when none).
-    const wchar_t *GetErrorText() const { return errorText_.c_str(); }
+    const wchar_t *GetErrorText() const;
 
     // Format detection (see the classes below) and the reader for a file:
     // RAN Edf, else CHS, else RAN Dat, else native. status is 0, or
@@ -131,7 +132,7 @@ public:
     static double LLDGStringToDouble(const MORVAUString &text);
 
 protected:
-    const MORVAUString &FileName() const { return fileName_; }
+    const MORVAUString &FileName() const;
     // Appends a live section or value (may throw std::bad_alloc). after is
     // the last value of the section when known, else the list is walked.
     SvpSections *AppendSection(double time, const MORVAUString &latitude, const MORVAUString &longitude);
@@ -148,11 +149,10 @@ private:
     SvpValue *FindValue(const SvpSections *section, double depth) const;
     void CopyFrom(const SvpFile &other);
 
-    MORVAUString errorText_;
-    MORVAUString fileName_;
-    SvpSections *sections_ = nullptr;
-    double epsilon_ = kDefaultEpsilon;
-    SvpSections *tail_ = nullptr;  // sections are only ever appended
+    // The state lives in the library, so that it can change without breaking
+    // programs built against an earlier version.
+    struct Impl;
+    std::unique_ptr<Impl> d_;
 };
 
 // The native format. Version 2, as written:
@@ -207,11 +207,11 @@ public:
 // are kept to the nearest whole second.
 class VELMIO_API CHSSvpFile : public SvpFile {
 public:
-    CHSSvpFile() = default;
-    explicit CHSSvpFile(const MORVAUString &fileName) : SvpFile(fileName) {}
-    CHSSvpFile(const CHSSvpFile &) = default;
-    CHSSvpFile &operator=(const CHSSvpFile &) = default;
-    ~CHSSvpFile() override = default;
+    CHSSvpFile();
+    explicit CHSSvpFile(const MORVAUString &fileName);
+    CHSSvpFile(const CHSSvpFile &other);
+    CHSSvpFile &operator=(const CHSSvpFile &other);
+    ~CHSSvpFile() override;
 
     int ReadInData() override;
     // A section read from the file is written with its own header line, its
@@ -239,7 +239,8 @@ private:
         double time;
         std::string line;
     };
-    std::vector<CastHeader> headers_;
+    struct Impl;
+    std::unique_ptr<Impl> d_;
 };
 
 // The RAN Dat format: a title line, then one line per value:
@@ -266,11 +267,11 @@ public:
         double time;         // UTC seconds since 1980
     };
 
-    RANSvpFile_Dat() = default;
-    explicit RANSvpFile_Dat(const MORVAUString &fileName) : SvpFile(fileName) {}
-    RANSvpFile_Dat(const RANSvpFile_Dat &) = default;
-    RANSvpFile_Dat &operator=(const RANSvpFile_Dat &) = default;
-    ~RANSvpFile_Dat() override = default;
+    RANSvpFile_Dat();
+    explicit RANSvpFile_Dat(const MORVAUString &fileName);
+    RANSvpFile_Dat(const RANSvpFile_Dat &other);
+    RANSvpFile_Dat &operator=(const RANSvpFile_Dat &other);
+    ~RANSvpFile_Dat() override;
 
     int ReadInData() override;
     // Writes the title line read (or a default one) and a line per value;
@@ -278,8 +279,8 @@ public:
     // depth, else 0.
     int UpdateDataFile() override;
 
-    const std::vector<DataLine> &GetDataList() const { return lines_; }
-    const std::string &GetTitle() const { return title_; }
+    const std::vector<DataLine> &GetDataList() const;
+    const std::string &GetTitle() const;
 
     // Decodes and checks one data line (see above); false when not accepted.
     static bool DecodeData(const std::string &line, DataLine &data);
@@ -287,8 +288,8 @@ public:
     static bool DecodeTimeStamp(const std::string &date, const std::string &clock, double &time);
 
 private:
-    std::string title_;
-    std::vector<DataLine> lines_;
+    struct Impl;
+    std::unique_ptr<Impl> d_;
 };
 
 // The RAN Edf format: per cast a header of keyword lines, then a table:
@@ -321,25 +322,25 @@ public:
         std::string heading;                  // the "Depth (m)" line as read
     };
 
-    RANSvpFile_Edf() = default;
-    explicit RANSvpFile_Edf(const MORVAUString &fileName) : SvpFile(fileName) {}
-    RANSvpFile_Edf(const RANSvpFile_Edf &) = default;
-    RANSvpFile_Edf &operator=(const RANSvpFile_Edf &) = default;
-    ~RANSvpFile_Edf() override = default;
+    RANSvpFile_Edf();
+    explicit RANSvpFile_Edf(const MORVAUString &fileName);
+    RANSvpFile_Edf(const RANSvpFile_Edf &other);
+    RANSvpFile_Edf &operator=(const RANSvpFile_Edf &other);
+    ~RANSvpFile_Edf() override;
 
     int ReadInData() override;
     int UpdateDataFile() override;
 
-    const std::vector<DataRow> &GetDataList() const { return rows_; }
-    const std::vector<CastHeader> &GetHeaderValues() const { return headers_; }
+    const std::vector<DataRow> &GetDataList() const;
+    const std::vector<CastHeader> &GetHeaderValues() const;
 
     // Reads a table row: 1 accepted, 0 three numbers but not accepted, -1
     // not three numbers. The depth is rounded to centimetres.
     static int DecodeData(const std::string &line, DataRow &row);
 
 private:
-    std::vector<DataRow> rows_;
-    std::vector<CastHeader> headers_;
+    struct Impl;
+    std::unique_ptr<Impl> d_;
 };
 
 #endif

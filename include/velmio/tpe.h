@@ -62,6 +62,22 @@ VELMIO_API int TPEReadProfile(TOVO_Sensor *handle, unsigned int profileNumber, u
  * outside the profile's numbering gives 5002728. */
 VELMIO_API int TPERead(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber, double *beamTime,
                        double *error1, double *error2, unsigned int *status);
+/* Bulk reads (query or update) of profiles firstProfile .. firstProfile +
+ * count - 1 into caller-owned arrays; any array may be null. ReadProfiles
+ * fills count entries per header field, as ReadProfile gives them.
+ * ReadBeams fills flat beam arrays with every beam of those profiles in
+ * order (the values Read gives) and beamOffsets (count + 1 entries) with
+ * the index of each profile's first beam, the last entry the beam total, so
+ * ragged and empty profiles stay exact. count 0 returns 0 and touches
+ * nothing; a range past the last profile, or a beam total above
+ * beamCapacity, returns 5002719 and writes nothing; on any other failure
+ * the entries before the failing one are filled. */
+VELMIO_API int TPEReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                               unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
+                               unsigned int *profileWords, unsigned int *statuses);
+VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                            unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes, double *errors1,
+                            double *errors2, unsigned int *statuses);
 /* The next header and the next beam (query only). */
 VELMIO_API int TPEReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeams, unsigned int *firstBeam,
                                  double *time, unsigned int *profileWord, unsigned int *status);
@@ -76,6 +92,13 @@ VELMIO_API int TPEBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sou
 VELMIO_API int TPEBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams, unsigned int firstBeam,
                                      double time, unsigned int profileWord, unsigned int status);
 VELMIO_API int TPESeqWrite(TOVO_Sensor *handle, double beamTime, double error1, double error2, unsigned int status);
+/* Appends count beams of the open profile from caller arrays (create mode,
+ * between BgnSeqWriteProfile and EndSeqWriteProfile): the same bytes as
+ * count SeqWrite calls. The value arrays are required (-1 when one is null
+ * and count > 0); a null statuses array writes status 0. A failure stops at
+ * the failing beam, the beams before it written. */
+VELMIO_API int TPESeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *beamTimes,
+                                const double *errors1, const double *errors2, const unsigned int *statuses);
 VELMIO_API int TPEEndSeqWriteProfile(TOVO_Sensor *handle);
 VELMIO_API int TPEEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status);
 VELMIO_API int TPEEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status);

@@ -21,6 +21,9 @@
 #include <velmio/slant_range.h>
 #include <velmio/tpe.h>
 
+/* Verifying lines */
+#include <velmio/line_check.h>
+
 /* Vessel configuration queries, sound velocity profile files, geodesy */
 #include <velmio/vessel_queries.h>
 #include <velmio/svp_files.h>

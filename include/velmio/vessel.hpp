@@ -36,7 +36,7 @@ public:
     VELMVesselSensorList(const VELMVesselSensorList &) = delete;
     VELMVesselSensorList &operator=(const VELMVesselSensorList &) = delete;
 
-    const wchar_t *getName() const { return name_.c_str(); }
+    const wchar_t *getName() const;
     // Inserts in time order: 0, 5100007 (null) or 5100008 (time taken).
     int add(std::shared_ptr<VELMVesselSensorConfig> entry);
     // Removes the entry of exactly that time with its element: 0 or 5100009.
@@ -48,8 +48,8 @@ public:
     std::shared_ptr<VELMVesselSensorConfig> getLastConfig() const;
     // The entry after the given one in time, or null.
     std::shared_ptr<VELMVesselSensorConfig> getNextConfig(const VELMVesselSensorConfig *entry) const;
-    std::size_t getCount() const { return entries_.size(); }
-    bool empty() const { return entries_.empty(); }
+    std::size_t getCount() const;
+    bool empty() const;
     // Moves the held entry of entry's time to newTime: 0, -1 (null entry),
     // 5100009 (not held) or 5100008 (newTime taken: the moved entry is dropped).
     int updateTimeStamp(VELMVesselSensorConfig *entry, double newTime);
@@ -59,7 +59,7 @@ public:
     int load(xmlNode *listElement);
     // Writes the list under the document root; an empty list writes nothing.
     int store(xmlNode *root);
-    xmlNode *getNode() const { return node_; }
+    xmlNode *getNode() const;
 
 private:
     friend class VELMVessel;
@@ -67,9 +67,8 @@ private:
     // is about to be freed, or must be kept as read).
     void forgetNodes();
 
-    MORVAUString name_;
-    std::vector<std::shared_ptr<VELMVesselSensorConfig>> entries_;
-    xmlNode *node_ = nullptr;
+    struct Impl;
+    std::unique_ptr<Impl> d_;
 };
 
 // Outline of the vessel: plan view points (X, Y), profile view points (Y, Z)
@@ -134,9 +133,9 @@ public:
     // (ignoring case): 0 or 5100002 for a null name. With forgetDocument the
     // held document is dropped; the next store writes a fresh one.
     int setFileName(const wchar_t *name, bool forgetDocument = false);
-    const wchar_t *getFileName() const { return fileName_.c_str(); }
-    float getFileVersion() const { return fileVersion_; }
-    bool isModified() const { return modified_; }
+    const wchar_t *getFileName() const;
+    float getFileVersion() const;
+    bool isModified() const;
 
     // Writes the document ("Version" "2.0") through a temporary file that
     // then replaces the file: 0, 5100002 (no file name), 5100005 or -1.
@@ -169,7 +168,7 @@ public:
     // Removes the list of a kind with all its entries: 0 or 5100003.
     int removeAllSensors(const wchar_t *kind);
     // The lists, sorted by kind name (code unit order).
-    const std::vector<std::unique_ptr<VELMVesselSensorList>> &getSensors() const { return lists_; }
+    const std::vector<std::unique_ptr<VELMVesselSensorList>> &getSensors() const;
     // The list of a kind, or null. Registered kind names match ignoring case.
     VELMVesselSensorList *getSensorList(const wchar_t *kind) const;
     template <class T>
@@ -177,10 +176,10 @@ public:
         return getSensorList(T::kSensorName);
     }
 
-    void setVesselShape(const VELMVesselShape &shape) { shape_ = shape; }
-    const VELMVesselShape &getVesselShape() const { return shape_; }
-    const VELMVesselMetaData &getMetaData() const { return metaData_; }
-    const VELMVesselEditHistory &getEditHistory() const { return editHistory_; }
+    void setVesselShape(const VELMVesselShape &shape);
+    const VELMVesselShape &getVesselShape() const;
+    const VELMVesselMetaData &getMetaData() const;
+    const VELMVesselEditHistory &getEditHistory() const;
 
     // The file of a vessel name: the name itself when it is an existing
     // file, else the name with ".tvc" appended when that file exists. False
@@ -194,14 +193,10 @@ private:
     VELMVesselSensorList *findSensorList(const wchar_t *kind) const;
     void releaseDocument();
 
-    MORVAUString fileName_;
-    xmlDoc *doc_ = nullptr;
-    float fileVersion_ = 0.0f;
-    VELMVesselShape shape_;
-    std::vector<std::unique_ptr<VELMVesselSensorList>> lists_;
-    bool modified_ = false;
-    VELMVesselMetaData metaData_;
-    VELMVesselEditHistory editHistory_;
+    // The state lives in the library, so that it can change without breaking
+    // programs built against an earlier version.
+    struct Impl;
+    std::unique_ptr<Impl> d_;
 };
 
 #endif

@@ -34,7 +34,7 @@ VELMIO_BEGIN_C
 
 /* Capacity in wide characters, terminator included, that the two-argument
  * getInstallationParameterFileName assumes of its buffer. */
-#define VELM_INSTALLATION_PARAMETER_CAPACITY 512
+#define VELMIO_INSTALLATION_PARAMETER_CAPACITY 512
 
 /* Opens the vessel configuration file name (".tvc" is appended unless the
  * name ends in it). *error (may be NULL) receives 0 or the read's error;
@@ -154,7 +154,7 @@ VELMIO_API int VELMVesselConvert(const wchar_t *path);
  * capacity wide characters with the terminator. 0; -1 for a NULL argument,
  * a zero capacity or a name that had to be truncated. */
 VELMIO_API int getInstallationParameterFileNameN(const wchar_t *directory, wchar_t *buffer, size_t capacity);
-/* As above with a buffer of VELM_INSTALLATION_PARAMETER_CAPACITY characters. */
+/* As above with a buffer of VELMIO_INSTALLATION_PARAMETER_CAPACITY characters. */
 VELMIO_API int getInstallationParameterFileName(const wchar_t *directory, wchar_t *buffer);
 
 VELMIO_END_C

@@ -84,6 +84,25 @@ TEST(NavigationCorrupt, MessagesNameWhatIsWrong) {
     EXPECT_EQ(openAndRead(dir, true, L"query").first, 5000046);  // no SSSNavigation data file at all
 }
 
+// A segment file cut inside a field names that field, whatever the count
+// promised.
+TEST(NavigationCorrupt, SegmentFileCutInAFieldNamesTheField) {
+    TempDir dir;
+    writeLine(dir, false);
+    const std::string file = dir.file("NavigationLineSegments");
+    const Bytes whole = readFile(file);
+    const char *fields[] = {"status", "source file name length", "source file name", "begin index", "end index",
+                            "min time", "max time", "min Latitude", "max Latitude", "min Longitude", "max Longitude"};
+    for (std::size_t k = 0; k < 11; ++k) {
+        // The name travels as an XDR string: its own length word, then its bytes.
+        const std::size_t field = 20 + 4 * k + (k >= 3 ? 4 : 0);
+        writeFile(file, Bytes(whole.begin(), whole.begin() + static_cast<long>(field + 2)));
+        EXPECT_EQ(openAndRead(dir, false, L"query"),
+                  std::make_pair(5000103, "NavigationReadLineSegmentFile(): could not decode line segment " +
+                                              std::string(fields[k]) + "\n"));
+    }
+}
+
 // The two families answer a handle of the wrong type differently, as they
 // always have. Each row: Navigation's operation given an SSSNavigation
 // handle, the twin's given a Navigation handle, and their answers.

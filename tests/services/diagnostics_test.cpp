@@ -126,3 +126,16 @@ TEST_F(Diagnostics, ConsoleAttachesToTheTerminalOnlyWhenThereIsOne) {
         EXPECT_FALSE(fileExists(value));
     }
 }
+
+TEST_F(Diagnostics, SwitchedOffNothingReachesTheFileAndTheSwitchReportsItsPreviousState) {
+    TempDir dir;
+    setenv("CONSOLE", dir.file("diagnostics.txt").c_str(), 1);
+    ASSERT_EQ(0, VELM_IO_StartDiagnostics());
+    EXPECT_EQ(1, VELM_IO_SetDiagnostics(0));
+    int status = 0;
+    EXPECT_EQ(nullptr, LogFileOpen(dir.wfile("missing").c_str(), L"a", &status));
+    EXPECT_EQ(5017202, status);  // the failure is still reported by its code
+    EXPECT_EQ(0, VELM_IO_SetDiagnostics(1));
+    EXPECT_EQ(0, VELM_IO_StopDiagnostics());
+    EXPECT_EQ("", readText(dir.file("diagnostics.txt")));
+}

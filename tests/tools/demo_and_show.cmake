@@ -2,7 +2,7 @@
 file(REMOVE_RECURSE ${WORK})
 set(line ${WORK}/Project/Boat/2004-123/Line001)
 separate_arguments(emulator UNIX_COMMAND "${EMULATOR}")
-execute_process(COMMAND ${emulator} ${TOOL} demo ${line} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+execute_process(COMMAND ${emulator} ${TOOL} demo --line ${line} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
 if(NOT rc EQUAL 0)
   message(FATAL_ERROR "demo failed (${rc}): ${out}${err}")
 endif()

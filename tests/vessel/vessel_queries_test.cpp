@@ -259,10 +259,10 @@ TEST(VesselQueries, InstallationParameterFileNameNeverOverflows) {
     EXPECT_STREQ(small, L"/data/I");
     EXPECT_EQ(small[8], L'#');
 
-    std::wstring buffer(VELM_INSTALLATION_PARAMETER_CAPACITY + 4, L'#');
+    std::wstring buffer(VELMIO_INSTALLATION_PARAMETER_CAPACITY + 4, L'#');
     const std::wstring longDirectory(600, L'd');
     EXPECT_EQ(getInstallationParameterFileName(longDirectory.c_str(), buffer.data()), -1);
-    EXPECT_EQ(std::wcslen(buffer.c_str()), static_cast<std::size_t>(VELM_INSTALLATION_PARAMETER_CAPACITY - 1));
-    EXPECT_EQ(buffer[VELM_INSTALLATION_PARAMETER_CAPACITY], L'#');
+    EXPECT_EQ(std::wcslen(buffer.c_str()), static_cast<std::size_t>(VELMIO_INSTALLATION_PARAMETER_CAPACITY - 1));
+    EXPECT_EQ(buffer[VELMIO_INSTALLATION_PARAMETER_CAPACITY], L'#');
     EXPECT_EQ(getInstallationParameterFileName(nullptr, name), -1);
 }

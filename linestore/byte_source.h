@@ -1,0 +1,92 @@
+// Where the bytes of a line's data file come from and go to. The record
+// engine reads and writes only through this interface; the backend follows
+// the mode: a file read and written with positioned calls (query, update,
+// and the appending writer of create), or memory (tests, fuzzing). Positioned
+// reads rather than a mapping, so that a file cut short by another process
+// makes reads fail instead of raising SIGBUS.
+#ifndef VELMIO_LINESTORE_BYTE_SOURCE_H
+#define VELMIO_LINESTORE_BYTE_SOURCE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace velmio {
+
+inline std::uint32_t loadBe32(const unsigned char *p) {
+    return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) | p[3];
+}
+inline void storeBe32(unsigned char *p, std::uint32_t v) {
+    p[0] = static_cast<unsigned char>(v >> 24);
+    p[1] = static_cast<unsigned char>(v >> 16);
+    p[2] = static_cast<unsigned char>(v >> 8);
+    p[3] = static_cast<unsigned char>(v);
+}
+
+class ByteSource {
+public:
+    virtual ~ByteSource() = default;
+    // Up to n bytes at offset, fewer only at the end: the count, or -1.
+    virtual std::int64_t readAt(std::uint64_t offset, void *out, std::size_t n) = 0;
+    virtual bool writeAt(std::uint64_t offset, const void *in, std::size_t n) = 0;
+};
+
+// A descriptor owned elsewhere (the data file's stream keeps it open).
+class FileSource final : public ByteSource {
+public:
+    explicit FileSource(int fd) : fd_(fd) {}
+    std::int64_t readAt(std::uint64_t offset, void *out, std::size_t n) override;
+    bool writeAt(std::uint64_t offset, const void *in, std::size_t n) override;
+
+private:
+    int fd_;
+};
+
+class MemorySource final : public ByteSource {
+public:
+    explicit MemorySource(std::vector<unsigned char> bytes = {}) : bytes_(std::move(bytes)) {}
+    std::int64_t readAt(std::uint64_t offset, void *out, std::size_t n) override;
+    bool writeAt(std::uint64_t offset, const void *in, std::size_t n) override;
+    const std::vector<unsigned char> &bytes() const { return bytes_; }
+
+private:
+    std::vector<unsigned char> bytes_;
+};
+
+constexpr std::size_t kWindowBytes = 64 * 1024;
+
+// A window of up to 64 KiB over a source for sequential and ranged reads,
+// refilled with one positioned read when the bytes asked for lie outside it.
+class ReadWindow {
+public:
+    // n bytes at offset, reading ahead at most `ahead` bytes (at least n)
+    // on a refill; null when the source fails or ends before them.
+    const unsigned char *at(ByteSource &source, std::uint64_t offset, std::size_t n,
+                            std::size_t ahead = kWindowBytes);
+    void invalidate() { length_ = 0; }
+
+private:
+    std::vector<unsigned char> bytes_;
+    std::uint64_t start_ = 0;
+    std::size_t length_ = 0;
+};
+
+// Appends at a running offset through a 64 KiB buffer written with one
+// positioned write when full or flushed.
+class AppendBuffer {
+public:
+    void start(ByteSource *sink, std::uint64_t offset);
+    bool append(const void *in, std::size_t n);
+    bool flush();
+    std::uint64_t offset() const { return flushed_ + held_.size(); }
+    bool active() const { return sink_ != nullptr; }
+
+private:
+    ByteSource *sink_ = nullptr;
+    std::uint64_t flushed_ = 0;
+    std::vector<unsigned char> held_;
+};
+
+}  // namespace velmio
+
+#endif

@@ -1,0 +1,59 @@
+// Shared pieces of the Python extension: how failures become exceptions and
+// how numpy arrays cross into the library.
+#ifndef VELMIO_PYTHON_BINDING_HPP
+#define VELMIO_PYTHON_BINDING_HPP
+
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+
+#include <cstdint>
+#include <string>
+
+namespace velmio::python {
+
+namespace py = pybind11;
+
+// A failing call: the library's code and what failed. The module turns it
+// into velmio.VelmioError; thrown with the GIL released or held.
+struct Failure {
+    int code;
+    std::string what;
+};
+
+// The library's own code for a bad argument.
+constexpr int kBadArgument = -1;
+
+inline void check(int code, const char *what) {
+    if (code != 0) throw Failure{code, what};
+}
+
+// A str or os.PathLike as the wide path the library takes.
+std::wstring widePath(const py::handle &path);
+std::wstring wideText(const py::handle &text);
+
+// A 1-D float64 array from anything numeric (ints and floats convert; bool,
+// complex, text and objects are refused with kBadArgument).
+py::array_t<double, py::array::c_style> doubles(const py::handle &values, const char *name);
+// A 1-D array of 32-bit status words: integers in 0..2^32-1 only.
+py::array_t<std::uint32_t, py::array::c_style> words(const py::handle &values, const char *name);
+// Refuses arrays of another length than count.
+void requireLength(py::ssize_t length, py::ssize_t count, const char *name);
+
+template <class T>
+py::array_t<T> newArray(py::ssize_t count) {
+    return py::array_t<T>(count);
+}
+
+// UTC seconds since 1980 (leap seconds counted) to datetime64[ns] and back.
+py::array utcs80ToDatetime64(const double *seconds, py::ssize_t count);
+py::array_t<double> datetime64ToUtcs80(const py::array &datetimes);
+
+void registerSensors(py::module_ &module);
+void registerVessel(py::module_ &module);
+void registerSvp(py::module_ &module);
+void registerGeodesy(py::module_ &module);
+void registerTime(py::module_ &module);
+
+}  // namespace velmio::python
+
+#endif

@@ -1,0 +1,238 @@
+"""Survey lines: the sensors present in a line directory, read into numpy
+columns, written from them and edited."""
+
+import os
+
+import numpy as np
+
+from . import _velmio
+from .errors import _error
+
+FAMILIES = tuple(_velmio.FAMILIES)
+PROFILE_FAMILIES = tuple(_velmio.PROFILE_FAMILIES)
+
+# The codes the library gives for a missing line directory and data file.
+_NO_DIRECTORY = 5000010
+_NO_DATA_FILE = 5000046
+
+# Units of each column, kept in xarray attributes.
+UNITS = {
+    "time": "s since 1980-01-01 UTC (leap seconds counted)",
+    "value": None,
+    "latitude": "rad", "longitude": "rad", "metres": "m",
+    "depth": "m", "x": "m", "y": "m", "extra": "m",
+    "range": "m", "angle1": "rad", "angle2": "rad",
+}
+_RADIAN_FAMILIES = {"Gyro", "Pitch", "Roll", "SSSGyro"}
+
+
+def value_unit(family):
+    return "rad" if family in _RADIAN_FAMILIES else "m"
+
+
+def _check_family(family):
+    if family not in FAMILIES:
+        raise _error(5000022, f"not a sensor family of this library: {family!r}")
+
+
+def _with_datetimes(columns):
+    columns["datetime"] = _velmio.utcs80_to_datetime64(columns["time"])
+    return columns
+
+
+class Line:
+    """A survey line directory. ``sensors`` lists the families whose data
+    file is present; ``read`` gives a family's columns."""
+
+    def __init__(self, path):
+        self.path = os.fspath(path)
+        if not os.path.isdir(self.path):
+            raise _error(_NO_DIRECTORY, self.path)
+
+    def __repr__(self):
+        return f"velmio.Line({self.path!r}, sensors={self.sensors})"
+
+    @property
+    def sensors(self):
+        return [f for f in FAMILIES if os.path.isfile(os.path.join(self.path, f))]
+
+    def open(self, family, mode="query"):
+        """The library handle of a family; close it with ``close()``. A
+        handle serves one thread at a time (open one per thread)."""
+        _check_family(family)
+        return _velmio.Sensor(self.path, family, mode)
+
+    def summary(self, family):
+        with _Handle(self.open(family)) as h:
+            return h.summary()
+
+    def segments(self, family):
+        with _Handle(self.open(family)) as h:
+            return h.segments()
+
+    def read(self, family, first=0, count=None):
+        """A family's data in one bulk read.
+
+        Time series (simple sensors, navigation): a dict of equal-length
+        columns ``time`` (float64 seconds since 1980, leap seconds counted),
+        ``datetime`` (datetime64[ns] UTC), the values and ``status`` (uint32),
+        records ``first`` .. ``first + count`` (from 0).
+
+        Profile families: ``{"profiles": {...}, "beams": {...}}``, the beams
+        flat with ``beams["beam_offsets"]`` (profiles + 1 of them) and
+        ``profiles["beam_count"]``; ``first`` and ``count`` count profiles."""
+        with _Handle(self.open(family)) as h:
+            if family in PROFILE_FAMILIES:
+                profiles = _with_datetimes(h.read_profiles(first, count))
+                beams = _with_datetimes(h.read_beams(first, count))
+                return {"profiles": profiles, "beams": beams}
+            return _with_datetimes(h.read_records(first, count))
+
+    def dataset(self, family, **kwargs):
+        """The family as an xarray.Dataset (see velmio.xarray_backend)."""
+        from .xarray_backend import open_line_dataset
+
+        return open_line_dataset(self.path, family, **kwargs)
+
+    def edit(self, family):
+        return edit_sensor(self.path, family)
+
+    def create(self, family, **kwargs):
+        return create_sensor(self.path, family, **kwargs)
+
+
+class _Handle:
+    """Closes a library handle on leaving the block, whatever happened."""
+
+    def __init__(self, handle):
+        self.handle = handle
+
+    def __enter__(self):
+        return self.handle
+
+    def __exit__(self, *exc):
+        if exc[0] is None:
+            self.handle.close()
+        else:
+            try:
+                self.handle.close()
+            except Exception:
+                pass
+        return False
+
+
+def open_line(path):
+    """The survey line directory at path; VelmioError 5000010 when missing."""
+    return Line(path)
+
+
+class SensorWriter:
+    """Writes one family of a line: one ``write_segment`` call per raw
+    source file, then ``close`` (or leave the ``with`` block) to finish."""
+
+    def __init__(self, line, family, tool_type=0, tool_type2=0, coordinate_type=1):
+        _check_family(family)
+        os.makedirs(os.fspath(line), exist_ok=True)
+        first = coordinate_type if family in ("Navigation", "SSSNavigation") else tool_type
+        self.family = family
+        self.summary_status = 0
+        self._h = _velmio.Sensor(os.fspath(line), family, "create", first, tool_type2)
+
+    def write_segment(self, name, data=None, *, profiles=None, beams=None, segment_status=0, **columns):
+        """Writes a segment named after its raw source file. Time series
+        take equal-length columns (``time``, ``value`` or ``latitude``/
+        ``longitude``/``metres``, ``status``) as a dict or keywords; profile
+        families take ``profiles`` (time, beam_count, first_beam, status and
+        angle1/angle2 or profile_word) and flat ``beams`` columns. Times are
+        seconds since 1980 or datetime64 values; ``segment_status`` is the
+        segment's status word."""
+        if self.family in PROFILE_FAMILIES:
+            self._h.write_profiles(name, _times(profiles), _times(beams), segment_status)
+        else:
+            data = dict(data or {}, **columns)
+            data.setdefault("status", np.zeros(np.shape(data.get("time", ())), np.uint32))
+            self._h.write_records(name, _times(data), segment_status)
+
+    def close(self):
+        if not self._h.closed:
+            self._h.finish(self.summary_status)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *exc):
+        if exc[0] is None:
+            self.close()
+        else:
+            self._h.close()
+        return False
+
+
+def _times(columns):
+    """Columns with datetime64 times turned into seconds since 1980."""
+    if columns is None:
+        raise _error(-1, "columns missing")
+    columns = dict(columns)
+    t = columns.get("time")
+    if t is not None and np.asarray(t).dtype.kind == "M":
+        columns["time"] = _velmio.datetime64_to_utcs80(np.asarray(t))
+    return columns
+
+
+def create_sensor(line, family, **kwargs):
+    """A SensorWriter for a new family file in line (created when missing)."""
+    return SensorWriter(line, family, **kwargs)
+
+
+class SensorEditor:
+    """Edits one family of a line in place. Record and beam positions count
+    from 0 as ``Line.read`` returns them; an index array or a boolean mask
+    selects them. Status edits of time series and navigation, and segment
+    and summary statuses, reach the file with ``save()``; beam edits are
+    written at once."""
+
+    def __init__(self, line, family):
+        _check_family(family)
+        self.family = family
+        self._h = _velmio.Sensor(os.fspath(line), family, "update")
+
+    def set_status(self, where, status):
+        """Record statuses (time series and navigation)."""
+        self._h.set_record_status(where, status)
+
+    def set_beam_status(self, where, status):
+        """Replaces the status bits of beams (observed depths, slant range)."""
+        self._h.update_beams("status", where, {"status": status})
+
+    def set_rejection(self, where, bits):
+        """Replaces only the rejection bits of observed depth beams."""
+        self._h.update_beams("rejection", where, {"status": bits})
+
+    def set_depth(self, where, depth, status=None):
+        self._h.update_beams("depth", where, {"depth": depth, "status": status})
+
+    def set_xyz(self, where, x=None, y=None, depth=None, status=None):
+        self._h.update_beams("xyz", where, {"x": x, "y": y, "depth": depth, "status": status})
+
+    def set_segment_status(self, segment, status):
+        self._h.set_segment_status(segment, status)
+
+    def set_summary_status(self, status):
+        self._h.set_summary_status(status)
+
+    def save(self):
+        self._h.save()
+
+    def close(self):
+        self._h.close()
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *exc):
+        self.close()
+        return False
+
+
+def edit_sensor(line, family):
+    return SensorEditor(line, family)

@@ -1,0 +1,77 @@
+// The bulk reads and writes of the profile families, built on each family's
+// per-profile and per-beam operations so that both paths give the same
+// values and write the same bytes. Each family passes small callables that
+// read one header, read one beam into slot i, or write beam i.
+#ifndef VELMIO_SENSORS_PROFILE_BULK_H
+#define VELMIO_SENSORS_PROFILE_BULK_H
+
+#include "sensors/profile_cursor.h"
+
+#include <cstdint>
+
+namespace velmio {
+
+inline bool profilesInRange(const TOVO_Sensor &h, std::uint32_t first, std::uint32_t count) {
+    return first >= 1 && std::uint64_t{first} + count - 1 <= h.recordCount;
+}
+
+// readHeader(profile, i) fills header slot i.
+template <class ReadHeader>
+int readProfiles(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
+                 ReadHeader readHeader) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, kReadModes, s)) return rc;
+    if (count == 0) return 0;
+    if (!profilesInRange(*h, first, count)) return f.code(kOutOfRange);
+    for (std::uint32_t i = 0; i < count; ++i)
+        if (const int rc = readHeader(first + i, i)) return rc;
+    return 0;
+}
+
+// beamsOf(profile, beams, firstBeam) reads a header's numbering;
+// readBeam(profile, beam, k) fills flat slot k. The beam total is known
+// before anything is written, so a range that does not fit the caller's
+// arrays leaves them untouched.
+template <class BeamsOf, class ReadBeam>
+int readBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
+              std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, ReadBeam readBeam) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, kReadModes, s)) return rc;
+    if (count == 0) return 0;
+    if (!profilesInRange(*h, first, count)) return f.code(kOutOfRange);
+    std::uint64_t total = 0;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        std::uint32_t beams = 0, firstBeam = 0;
+        if (const int rc = beamsOf(first + i, beams, firstBeam)) return rc;
+        total += beams;
+        if (total > beamCapacity) return f.code(kOutOfRange);
+    }
+    std::uint32_t k = 0;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        std::uint32_t beams = 0, firstBeam = 0;
+        if (const int rc = beamsOf(first + i, beams, firstBeam)) return rc;
+        if (std::uint64_t{k} + beams > beamCapacity) return f.code(kOutOfRange);
+        if (beamOffsets) beamOffsets[i] = k;
+        for (std::uint32_t b = 0; b < beams; ++b, ++k)
+            if (const int rc = readBeam(first + i, firstBeam + b, k)) return rc;
+    }
+    if (beamOffsets) beamOffsets[count] = k;
+    return 0;
+}
+
+// writeBeam(i) appends beam i of the caller's arrays to the open profile.
+template <class WriteBeam>
+int writeBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, bool inputsPresent,
+               WriteBeam writeBeam) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
+    if (count == 0) return 0;
+    if (!inputsPresent) return -1;
+    for (std::uint32_t i = 0; i < count; ++i)
+        if (const int rc = writeBeam(i)) return rc;
+    return 0;
+}
+
+}  // namespace velmio
+
+#endif
