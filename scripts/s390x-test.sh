@@ -16,7 +16,7 @@ here=$(cd "$(dirname "$0")/.." && pwd)
 sysroot=${VELMIO_S390X_SYSROOT:-${XDG_CACHE_HOME:-$HOME/.cache}/velmio/s390x-sysroot}
 build=${BUILD_DIR:-$here/build-s390x}
 native=${NATIVE_BUILD_DIR:-$here/build}
-packages=libxml2-dev,libicu-dev,libgtest-dev,libgmock-dev,libgeographiclib-dev,libstdc++-12-dev,libc6-dev
+packages=libxml2-dev,libicu-dev,libgtest-dev,libgmock-dev,libgeographiclib-dev,libgdal-dev,libstdc++-12-dev,libc6-dev
 start=$(date +%s)
 
 if [ ! -e "$sysroot/.velmio-unpacked" ]; then
@@ -36,23 +36,22 @@ cmake -S "$here" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
 cmake --build "$build" -j"$(nproc)"
 built=$(date +%s)
 
-# The suite, every program under qemu (CMAKE_CROSSCOMPILING_EMULATOR).
-(cd "$build" && ctest --output-on-failure -j"$(nproc)" --timeout 900)
+# The suite, every program under qemu (CMAKE_CROSSCOMPILING_EMULATOR). The
+# ABI baseline, the programs built against an installed copy and the Python
+# package are checks of the native build.
+(cd "$build" && ctest --output-on-failure -j"$(nproc)" --timeout 900 -E '^(ABI|Install|Python)\.')
 tested=$(date +%s)
 
-# The same demo line from both builds, at the same path (some files name
+# The same demo survey from both builds, at the same path (some files name
 # themselves), must be the same bytes.
-if [ ! -x "$native/tools/velmio" ]; then
-  cmake -S "$here" -B "$native" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-  cmake --build "$native" -j"$(nproc)" --target velmio_tool
-fi
+cmake -S "$here" -B "$native" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build "$native" -j"$(nproc)" --target velmio_tool >/dev/null
 work=$(mktemp -d "${TMPDIR:-/tmp}/velmio-s390x-XXXXXX")
 trap 'rm -rf "$work"' EXIT
-line=$work/line/DemoProject/DemoVessel/2004-123/Line001
-"$native/tools/velmio" demo "$line" >/dev/null
-mv "$work/line" "$work/native"
-qemu-s390x -L "$sysroot" "$build/tools/velmio" demo "$line" >/dev/null
-mv "$work/line" "$work/s390x"
+"$native/tools/velmio" demo "$work/survey" >/dev/null
+mv "$work/survey" "$work/native"
+qemu-s390x -L "$sysroot" "$build/tools/velmio" demo "$work/survey" >/dev/null
+mv "$work/survey" "$work/s390x"
 files=$(cd "$work/native" && find . -type f | wc -l)
 diff -r "$work/native" "$work/s390x"
 echo "s390x: $files demo files byte-identical to the native build's;" \
