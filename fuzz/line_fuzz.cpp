@@ -104,7 +104,7 @@ void readProfiles(unsigned profiles, bool sequential, Profile profile, Beam beam
 
 void simplePass(const std::wstring &dir, const Family &, const wchar_t *mode) {
     int error = 0;
-    TOVO_Sensor *h = SimpleSensorOpen(dir.c_str(), mode, kGyroType, SIMPLE_SENSOR_RADIANS, &error);
+    TOVO_Sensor *h = SimpleSensorOpen(dir.c_str(), mode, kGyroType, VELMIO_SIMPLE_SENSOR_RADIANS, &error);
     if (!h) return;
     unsigned segments = 0, records = 0, status = 0, first = 0, last = 0;
     double t0, t1, v0, v1, t, v;
@@ -267,7 +267,7 @@ void writeLine(const std::wstring &dir, const Family &f) {
     const wchar_t *names[2] = {L"0001_raw.all", L"0002.xtf"};
     switch (f.kind) {
     case Kind::Simple: {
-        TOVO_Sensor *h = SimpleSensorOpen(dir.c_str(), L"create", kGyroType, SIMPLE_SENSOR_RADIANS, &error);
+        TOVO_Sensor *h = SimpleSensorOpen(dir.c_str(), L"create", kGyroType, VELMIO_SIMPLE_SENSOR_RADIANS, &error);
         if (!h) return;
         SimpleSensorBgnSeqWriteSummary(h);
         for (int s = 0; s < 2; ++s) {
