@@ -14,12 +14,23 @@ set(VELMIO_MESSAGE_DIR ${VELMIO_MESSAGE_BASE_DIR}/VelmMessages)
 # One .res file per locale source (root.txt, and translations such as de.txt).
 file(GLOB velmio_message_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/messages/VelmMessages/*.txt)
 set(velmio_message_outputs "")
+# genrb writes the build host's byte order and ICU loads only the running
+# host's: a big-endian target (a cross build) gets its bundle swapped.
+if(CMAKE_CXX_BYTE_ORDER STREQUAL "BIG_ENDIAN")
+  find_program(ICUPKG icupkg PATHS /usr/sbin REQUIRED)
+endif()
 foreach(source IN LISTS velmio_message_sources)
   get_filename_component(locale ${source} NAME_WE)
   set(output ${VELMIO_MESSAGE_DIR}/${locale}.res)
+  set(velmio_swap_${locale} "")
+  if(ICUPKG)
+    set(velmio_swap_${locale} COMMAND ${ICUPKG} -tb ${output} ${output}.be
+      COMMAND ${CMAKE_COMMAND} -E rename ${output}.be ${output})
+  endif()
   add_custom_command(OUTPUT ${output}
     COMMAND ${CMAKE_COMMAND} -E make_directory ${VELMIO_MESSAGE_DIR}
     COMMAND ${GENRB} -q -k -e UTF-8 -d ${VELMIO_MESSAGE_DIR} ${source}
+    ${velmio_swap_${locale}}
     DEPENDS ${source}
     COMMENT "Compiling message bundle VelmMessages/${locale}.res"
     VERBATIM)
