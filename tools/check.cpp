@@ -13,11 +13,6 @@
 
 namespace {
 
-std::string sentence(int code) {
-    MORVAUString text;
-    return VELMIOUtils::findErrorMessage(code, text) == 0 ? text.toUtf8() : "";
-}
-
 // The readers' own complaints go to standard error while the check runs,
 // so that standard output holds the report alone (and parses as JSON).
 int checkQuietly(const std::wstring &path, VELMCheckProblem **problems, unsigned int *count, unsigned int *lines) {
