@@ -164,9 +164,13 @@ void VELMDataFile::copyFrom(const VELMDataFile &other) {
             if (d_->index_->append(set->entries[i].encodedTime, set->entries[i].byteOffset) != 0) return;
 }
 
-int VELMDataFile::Close() { return finish(); }
+int VELMDataFile::Close() { return finishFile(); }
 
-int VELMDataFile::finish() {
+void VELMDataFile::finish() { finishFile(); }
+
+void VELMDataFile::closeFiles() { closeStreams(); }
+
+int VELMDataFile::finishFile() {
     int rc = 0;
     const auto keep = [&rc](int status) {
         if (rc == 0) rc = status;
@@ -179,7 +183,7 @@ int VELMDataFile::finish() {
             if (velmio::platform::syncFile(d_->dataFile_) != 0) keep(kCannotWrite);
             if (d_->indexFile_ && velmio::platform::syncFile(d_->indexFile_) != 0) keep(velmio::kTmIdxWriteFailed);
         }
-        keep(closeFiles());
+        keep(closeStreams());
         // A file without records is no file: leave nothing behind.
         if (d_->numberOfRecords_ == 0) {
             if (d_->createdData_) velmio::platform::removeFile(d_->dataPath_.c_str());
@@ -187,7 +191,7 @@ int VELMDataFile::finish() {
         }
     } else {
         if (d_->accessType_ == ACCESS_UPDATE && d_->summaryDirty_) keep(UpdateSummary());
-        keep(closeFiles());
+        keep(closeStreams());
     }
     d_->createdData_ = d_->createdIndex_ = false;
     for (std::size_t i = 0; i < d_->summaryValues_.size(); ++i) FreeValue(d_->summaryAttributes_[i].type, d_->summaryValues_[i]);
@@ -199,7 +203,7 @@ int VELMDataFile::finish() {
     return rc;
 }
 
-int VELMDataFile::closeFiles() {
+int VELMDataFile::closeStreams() {
     int rc = 0;
     if (d_->dataFile_ && velmio::platform::closeFile(d_->dataFile_) != 0) rc = kCannotWrite;
     if (d_->indexFile_ && velmio::platform::closeFile(d_->indexFile_) != 0 && rc == 0) rc = velmio::kTmIdxWriteFailed;

@@ -255,8 +255,10 @@ private:
                               std::vector<int> *outCounts);
 
     void copyFrom(const VELMDataFile &other);
-    int finish();
-    int closeFiles();
+    void finish();
+    void closeFiles();
+    int finishFile();    // finish, with the first failure's code
+    int closeStreams();  // closeFiles, with the code of a failed close
     std::uint64_t recordSize(const std::vector<dataValue> &values, const std::vector<int> &counts) const;
     unsigned int fixedRecordSize() const;
     int summaryIndex(int index) const;
