@@ -27,6 +27,10 @@ if [ ! -e "$sysroot/.velmio-unpacked" ]; then
   mkdir -p "$sysroot"
   debootstrap --foreign --arch=s390x --variant=minbase --include="$packages" bookworm "$sysroot" "$mirror"
   for deb in "$sysroot"/var/cache/apt/archives/*.deb; do dpkg-deb -x "$deb" "$sysroot"; done
+  # The links that the packages' scripts (update-alternatives) would make.
+  for lib in blas/libblas.so.3 lapack/liblapack.so.3; do
+    ln -sf "$lib" "$sysroot/usr/lib/s390x-linux-gnu/$(basename "$lib")"
+  done
   touch "$sysroot/.velmio-unpacked"
 fi
 
