@@ -1,6 +1,7 @@
 // velmio check: every sensor of a line, or of every line below a directory,
 // verified; exit 1 when anything is wrong, so that scripts can trust it.
 #include "command.h"
+#include "format.h"
 
 #include <velmio/line_check.h>
 
@@ -31,23 +32,6 @@ int checkQuietly(const std::wstring &path, VELMCheckProblem **problems, unsigned
 #endif
 }
 
-std::string json(const std::string &text) {
-    std::string out = "\"";
-    for (unsigned char c : text) {
-        if (c == '"' || c == '\\') {
-            out += '\\';
-            out += static_cast<char>(c);
-        } else if (c < 0x20) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
-            out += escaped;
-        } else {
-            out += static_cast<char>(c);
-        }
-    }
-    return out + "\"";
-}
-
 }  // namespace
 
 int velmio::tool::runCheck(const Args &args) {
@@ -68,8 +52,8 @@ int velmio::tool::runCheck(const Args &args) {
         const VELMCheckProblem &p = problems[i];
         if (asJson) {
             std::printf("%s\n  {\"line\": %s, \"sensor\": %s, \"number\": %u, \"code\": %d, \"message\": %s}",
-                        i ? "," : "", json(narrow(p.line)).c_str(), json(narrow(p.sensor)).c_str(), p.number, p.code,
-                        json(sentence(p.code)).c_str());
+                        i ? "," : "", jsonString(narrow(p.line)).c_str(), jsonString(narrow(p.sensor)).c_str(), p.number, p.code,
+                        jsonString(sentence(p.code)).c_str());
         } else {
             std::printf("%s: %s: %s %u: ", narrow(p.line).c_str(), narrow(p.sensor).c_str(),
                         text("ToolCheckRecord", "record").c_str(), p.number);
