@@ -255,32 +255,15 @@ VELMIO_API int ObservedDepthsReadSeq(TOVO_Sensor *handle, double *time, double *
 VELMIO_API int ObservedDepthsReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
                                           unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
                                           double *angles1, double *angles2, unsigned int *statuses) {
-    return readProfiles(handle, kObservedDepths, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
-        unsigned int n, first, status;
-        double t, a1, a2;
-        if (const int rc = ObservedDepthsReadProfile(handle, p, &n, &first, &t, &a1, &a2, &status)) return rc;
-        if (numberOfBeams) numberOfBeams[i] = n;
-        if (firstBeams) firstBeams[i] = first;
-        if (times) times[i] = t;
-        if (angles1) angles1[i] = a1;
-        if (angles2) angles2[i] = a2;
-        if (statuses) statuses[i] = status;
-        return 0;
-    });
+    return readAngleProfiles(handle, kObservedDepths, ObservedDepthsReadProfile, firstProfile, count, numberOfBeams, firstBeams,
+                             times, angles1, angles2, statuses);
 }
 
 VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
                                        unsigned int beamCapacity, unsigned int *beamOffsets, double *times,
                                        double *ys, double *xs, double *depths, double *extras,
                                        unsigned int *statuses) {
-    auto beamsOf = [handle](std::uint32_t p, std::uint32_t &beams, std::uint32_t &first) {
-        unsigned int n, f, status;
-        double t, a1, a2;
-        const int rc = ObservedDepthsReadProfile(handle, p, &n, &f, &t, &a1, &a2, &status);
-        beams = n;
-        first = f;
-        return rc;
-    };
+    auto beamsOf = angleProfileBeams(handle, ObservedDepthsReadProfile);
     auto readBeam = [&](std::uint32_t p, std::uint32_t b, std::uint32_t k) {
         double t, y, x, d, e;
         unsigned int status;

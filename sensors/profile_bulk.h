@@ -72,6 +72,41 @@ int writeBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, bool
     return 0;
 }
 
+
+// Observed depths and slant range read a header the same way (beams, first
+// beam, time, two angles, status), so their bulk header reads are one.
+using AngleProfileReader = int (*)(TOVO_Sensor *, unsigned int, unsigned int *, unsigned int *, double *, double *,
+                                   double *, unsigned int *);
+
+inline int readAngleProfiles(TOVO_Sensor *h, const ProfileFamily &f, AngleProfileReader read, std::uint32_t first,
+                             std::uint32_t count, unsigned int *numberOfBeams, unsigned int *firstBeams,
+                             double *times, double *angles1, double *angles2, unsigned int *statuses) {
+    return readProfiles(h, f, first, count, [&](std::uint32_t p, std::uint32_t i) {
+        unsigned int n, firstBeam, status;
+        double t, a1, a2;
+        if (const int rc = read(h, p, &n, &firstBeam, &t, &a1, &a2, &status)) return rc;
+        if (numberOfBeams) numberOfBeams[i] = n;
+        if (firstBeams) firstBeams[i] = firstBeam;
+        if (times) times[i] = t;
+        if (angles1) angles1[i] = a1;
+        if (angles2) angles2[i] = a2;
+        if (statuses) statuses[i] = status;
+        return 0;
+    });
+}
+
+// The beamsOf callable of readBeams over such a header reader.
+inline auto angleProfileBeams(TOVO_Sensor *h, AngleProfileReader read) {
+    return [h, read](std::uint32_t p, std::uint32_t &beams, std::uint32_t &firstBeam) {
+        unsigned int n = 0, f = 0, status;
+        double t, a1, a2;
+        const int rc = read(h, p, &n, &f, &t, &a1, &a2, &status);
+        beams = n;
+        firstBeam = f;
+        return rc;
+    };
+}
+
 }  // namespace velmio
 
 #endif

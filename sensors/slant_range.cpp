@@ -189,32 +189,15 @@ VELMIO_API int SLRangeReadSeq(TOVO_Sensor *handle, double *beamTime, double *ran
 VELMIO_API int SLRangeReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
                                    unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
                                    double *angles1, double *angles2, unsigned int *statuses) {
-    return readProfiles(handle, kSlantRange, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
-        unsigned int n, first, status;
-        double t, a1, a2;
-        if (const int rc = SLRangeReadProfile(handle, p, &n, &first, &t, &a1, &a2, &status)) return rc;
-        if (numberOfBeams) numberOfBeams[i] = n;
-        if (firstBeams) firstBeams[i] = first;
-        if (times) times[i] = t;
-        if (angles1) angles1[i] = a1;
-        if (angles2) angles2[i] = a2;
-        if (statuses) statuses[i] = status;
-        return 0;
-    });
+    return readAngleProfiles(handle, kSlantRange, SLRangeReadProfile, firstProfile, count, numberOfBeams, firstBeams,
+                             times, angles1, angles2, statuses);
 }
 
 VELMIO_API int SLRangeReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
                                 unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes,
                                 double *ranges, double *values, double *beamAngles1, double *beamAngles2,
                                 unsigned int *statuses) {
-    auto beamsOf = [handle](std::uint32_t p, std::uint32_t &beams, std::uint32_t &first) {
-        unsigned int n, f, status;
-        double t, a1, a2;
-        const int rc = SLRangeReadProfile(handle, p, &n, &f, &t, &a1, &a2, &status);
-        beams = n;
-        first = f;
-        return rc;
-    };
+    auto beamsOf = angleProfileBeams(handle, SLRangeReadProfile);
     auto readBeam = [&](std::uint32_t p, std::uint32_t b, std::uint32_t k) {
         double t, r, v, a1, a2;
         unsigned int status;
