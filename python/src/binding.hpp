@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <string>
 
+class VELMVesselSensorConfig;
+
 namespace velmio::python {
 
 namespace py = pybind11;
@@ -47,6 +49,12 @@ py::array_t<T> newArray(py::ssize_t count) {
 // UTC seconds since 1980 (leap seconds counted) to datetime64[ns] and back.
 py::array utcs80ToDatetime64(const double *seconds, py::ssize_t count);
 py::array_t<double> datetime64ToUtcs80(const py::array &datetimes);
+
+// The settings of a vessel entry by name (vessel_settings.cpp).
+py::list entrySettingNames(VELMVesselSensorConfig &entry);
+py::object entrySetting(VELMVesselSensorConfig &entry, const std::string &name);
+void setEntrySetting(VELMVesselSensorConfig &entry, const std::string &name, const py::handle &value);
+py::list transducerSettingNames();
 
 void registerSensors(py::module_ &module);
 void registerVessel(py::module_ &module);
