@@ -107,6 +107,13 @@ def test_time_conversions_count_the_leap_seconds_of_the_table():
     year, day, rest = velmio.time.to_yds(seconds)
     assert (year.tolist(), day.tolist(), rest.tolist()) == ([1981, 2009], [182, 1], [0.0, 0.0])
     assert velmio.time.tai_utc_offset(2009, 1) == 34
+    # A sorted series converts day by day; each time must still match its own
+    # conversion, also where the library repeats a second around a leap second.
+    starts = velmio.time.from_yds(np.repeat(np.arange(1980, 2012), 2), np.tile([1, 182], 32), 0.0)
+    series = np.sort(np.concatenate([starts[:, None] + np.arange(-3.0, 3.0, 0.0137),
+                                     starts[:, None] + np.arange(-2.5, 2.5, 0.03) * 86400], axis=1).ravel())
+    one_by_one = [velmio.time.to_datetime64(series[i:i + 1])[0] for i in range(series.size)]
+    np.testing.assert_array_equal(velmio.time.to_datetime64(series), one_by_one)
     assert velmio.explain(5000046) == "The sensor's data file was not found."
     assert velmio.explain(1234) is None
 
