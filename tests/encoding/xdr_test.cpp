@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <tuple>
 
 using namespace velmio::xdr;
 using velmio::test::Bytes;
@@ -49,11 +50,8 @@ TEST(XdrEncoding, UnitsAreBigEndianAndShortsWiden) {
     unsigned char c2;
     ASSERT_TRUE(xdr_int(&d, &i2) && xdr_u_int(&d, &u2) && xdr_short(&d, &s2) && xdr_u_short(&d, &us2) &&
                 xdr_u_char(&d, &c2));
-    EXPECT_EQ(i2, -2);
-    EXPECT_EQ(u2, 0x01020304u);
-    EXPECT_EQ(s2, -3);
-    EXPECT_EQ(us2, 0xFFFE);
-    EXPECT_EQ(c2, 0x7F);
+    EXPECT_EQ(std::make_tuple(i2, u2, s2, us2, c2),
+              std::make_tuple(-2, 0x01020304u, short(-3), static_cast<unsigned short>(0xFFFE), static_cast<unsigned char>(0x7F)));
 
     // A short decodes the low 16 bits of its unit, whatever the high ones hold.
     char wide[4] = {0x00, 0x01, static_cast<char>(0x80), 0x01};
