@@ -67,8 +67,8 @@ public:
 
 protected:
     struct Impl;
-    // For the entry kinds: state is their whole state, made with new; the
-    // entry takes it over. error (when not null) is set as above.
+    // For the entry kinds: state is the kind's whole state, made with new
+    // and owned from here on. error (when not null) is set as above.
     VELMVesselSensorConfig(Impl *state, double timeStamp, const wchar_t *sensorName, int *error);
     void setTimeStamp(double timeStamp);
     // The attribute of the child element childName of node, decoded from
