@@ -80,7 +80,8 @@ TOVO_Sensor *openProfileSensor(const wchar_t *lineDirectory, std::uint32_t openI
     if (!h) return nullptr;
     auto fail = [&](int code) -> TOVO_Sensor * {
         if (h->dataFile) std::fclose(h->dataFile);
-        h->dataFile = nullptr;
+        if (h->traceFile) std::fclose(h->traceFile);
+        h->dataFile = h->traceFile = nullptr;
         // A file this open created and could not begin is of no use to anyone.
         if (isWriting(*h)) platform::removeFile(h->dataPath.c_str());
         SensorFree(h);
@@ -89,6 +90,8 @@ TOVO_Sensor *openProfileSensor(const wchar_t *lineDirectory, std::uint32_t openI
     };
     ProfileState &s = *state;
     h->familyState = state.release();
+    // A family may keep kinds apart that share a directory id (side scan).
+    h->typeId = f.typeId;
     // An unknown token arrives as a mode of its own and is written like a
     // create, as the line store has always done: it starts the file afresh.
     if (isWriting(*h)) {

@@ -10,7 +10,7 @@ std::uint32_t w(std::int32_t v) { return static_cast<std::uint32_t>(v); }
 std::int32_t i(std::uint32_t v) { return static_cast<std::int32_t>(v); }
 }  // namespace
 
-void encodeSideScanSummary(const SideScanSummary &s, std::uint32_t *words) {
+void encodeSideScanSummary(const SideScanSummaryRecord &s, std::uint32_t *words) {
     words[0] = s.status;
     words[1] = s.sonarType;
     words[2] = s.profiles;
@@ -23,7 +23,7 @@ void encodeSideScanSummary(const SideScanSummary &s, std::uint32_t *words) {
     words[9] = w(s.maxAmplitude);
 }
 
-bool decodeSideScanSummary(const std::uint32_t *words, SideScanSummary &s) {
+bool decodeSideScanSummary(const std::uint32_t *words, SideScanSummaryRecord &s) {
     if (i(words[4]) <= 0) return false;
     s.status = words[0];
     s.sonarType = words[1];

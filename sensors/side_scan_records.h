@@ -16,7 +16,7 @@ constexpr unsigned kSideScanTraceWords = 3;
 constexpr std::uint32_t kSideScanMaxSamples = 1u << 20;
 constexpr std::uint32_t kTraceRecordKind = 4;
 
-struct SideScanSummary {
+struct SideScanSummaryRecord {
     std::uint32_t status = 0;
     std::uint32_t sonarType = 0;
     std::uint32_t profiles = 0;
@@ -46,9 +46,9 @@ struct SideScanTrace {
     double depth = 0.0;              // metres below the transducer
 };
 
-void encodeSideScanSummary(const SideScanSummary &s, std::uint32_t *words);
+void encodeSideScanSummary(const SideScanSummaryRecord &s, std::uint32_t *words);
 // False for a time scale that is not positive.
-bool decodeSideScanSummary(const std::uint32_t *words, SideScanSummary &s);
+bool decodeSideScanSummary(const std::uint32_t *words, SideScanSummaryRecord &s);
 
 // Times against the summary's reference time and time scale.
 void encodeSideScanHeader(const SideScanHeader &p, std::int32_t referenceTime, std::int32_t timeScale,
