@@ -3,6 +3,7 @@
 #include <velmio/encoding.h>
 #include <velmio/linestore.h>
 
+#include "encoding/rounding.h"
 #include "foundation/diagnostics.h"
 #include "platform/durable_replace.h"
 #include "platform/files.h"
@@ -25,6 +26,9 @@ int encodeExtent(const TOVO_Sensor &h, ExtentKind kind, double v) {
     case ExtentKind::Latitude: return TOVO_EncodePosition(v, h.referenceLatitude, h.positionScale);
     case ExtentKind::Longitude: return TOVO_EncodePosition(v, h.referenceLongitude, h.positionScale);
     case ExtentKind::Metres: return TOVO_EncodeMeters(v);
+    case ExtentKind::Thousandths: return truncToInt32(v * 1000.0);
+    case ExtentKind::Whole:  // held within the range, so that an empty extent stays empty
+        return v >= 2147483647.0 ? 2147483647 : v <= -2147483648.0 ? -2147483647 - 1 : v == v ? static_cast<int>(v) : 0;
     }
     return 0;
 }
@@ -36,6 +40,8 @@ double decodeExtent(const TOVO_Sensor &h, ExtentKind kind, int unit) {
     case ExtentKind::Latitude: return TOVO_DecodePosition(h.referenceLatitude, h.positionScale, unit);
     case ExtentKind::Longitude: return TOVO_DecodePosition(h.referenceLongitude, h.positionScale, unit);
     case ExtentKind::Metres: return TOVO_DecodeMeters(unit);
+    case ExtentKind::Thousandths: return unit / 1000.0;
+    case ExtentKind::Whole: return unit;
     }
     return 0.0;
 }

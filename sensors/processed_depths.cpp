@@ -11,6 +11,7 @@
 #include "sensors/profile_bulk.h"
 #include "sensors/profile_records.h"
 
+#include <cstdio>
 #include <memory>
 #include <new>
 
@@ -26,57 +27,53 @@ constexpr unsigned kSoundingBytes = 4 * kSoundingWords, kMeasurementBytes = 4 * 
 constexpr unsigned kReductionBytes = 4 * kReductionWords;
 static_assert(kProcessedHeaderBytes / 4 <= kMaxProfileRecordWords, "a header fits the record buffers");
 
-ProcessedDepthsFrame frameOf(const TOVO_Sensor &h) {
-    return {h.timeScale, h.depthTimeScale, h.positionScale, h.referenceTime, h.referenceLatitude,
+ProcessedDepthsFrame frameOf(const TOVO_Sensor &h, const ProfileState &s) {
+    return {h.timeScale, s.depthTimeScale, h.positionScale, h.referenceTime, h.referenceLatitude,
             h.referenceLongitude};
 }
 
-void summaryToWords(const TOVO_Sensor &h, std::uint32_t *w) {
-    ProcessedSummary s;
-    s.status = h.summaryStatus;
-    s.toolType = h.familyWords[1];
-    s.profiles = h.recordCount;
-    s.beams = h.familyWords[0];
-    s.frame = frameOf(h);
-    s.minTime = h.extents[kTime].min;
-    s.maxTime = h.extents[kTime].max;
-    // A line of empty profiles has no depth range: it is stored as zeros.
-    const Extent &d = h.extents[kDepth];
-    s.minDepth = d.min <= d.max ? d.min : 0.0;
-    s.maxDepth = d.min <= d.max ? d.max : 0.0;
-    encodeProcessedSummary(s, w);
-}
-
-bool summaryFromWords(TOVO_Sensor &h, const std::uint32_t *w) {
-    ProcessedSummary s;
-    if (!decodeProcessedSummary(w, s)) return false;
-    h.summaryStatus = s.status;
-    h.familyWords[1] = s.toolType;
-    h.recordCount = s.profiles;
-    h.familyWords[0] = s.beams;
-    h.timeScale = s.frame.timeScale;
-    h.depthTimeScale = s.frame.depthTimeScale;
-    h.positionScale = s.frame.positionScale;
-    h.referenceTime = s.frame.referenceTime;
-    h.referenceLatitude = s.frame.referenceLatitude;
-    h.referenceLongitude = s.frame.referenceLongitude;
-    h.extents[kTime] = {s.minTime, s.maxTime};
-    h.extents[kDepth] = {s.minDepth, s.maxDepth};
-    return true;
-}
+constexpr SummaryField kSummary[] = {
+    {SummaryWord::Status},
+    {SummaryWord::FamilyWord0},  // tool type
+    {SummaryWord::RecordCount},
+    {SummaryWord::ItemCount},    // beams
+    {SummaryWord::TimeScale},
+    {SummaryWord::DepthTimeScale},
+    {SummaryWord::PositionScale},
+    {SummaryWord::ReferenceTime},
+    {SummaryWord::ReferenceLatitude},
+    {SummaryWord::ReferenceLongitude},
+    {SummaryWord::ExtentMin, kTime, ExtentKind::Time},
+    {SummaryWord::ExtentMax, kTime, ExtentKind::Time},
+    {SummaryWord::ExtentMin, kDepth, ExtentKind::Metres},
+    {SummaryWord::ExtentMax, kDepth, ExtentKind::Metres},
+    {SummaryWord::Zero},
+    {SummaryWord::Zero},
+};
+constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
+static_assert(kSummaryWords == kProcessedSummaryWords && kSummaryWords <= kMaxSummaryWords, "the documented summary");
 
 const ProfileFamily kProcessedDepths = {
+    {
+        5000300,
+        1,                  // format version written
+        {kProcessedHeaderBytes, kProcessedBeamBytes, false},
+        {0, 0, false},
+        kSummaryWords,
+        kSummary,
+        nullptr,
+        {2, {ExtentKind::Time, ExtentKind::Metres}, 5000301, nullptr, 5000303, 5000302, 5000326, nullptr, nullptr,
+         nullptr, nullptr},
+        5000306,
+        nullptr,
+        kSummaryInvalid,
+        nullptr,
+        5000314,            // time index not written
+        0,
+    },
     0,
-    5000300,
-    4 * kProcessedSummaryWords, kProcessedHeaderBytes, kProcessedBeamBytes,
-    1,              // format version written
-    kOutOfRange, kSummaryInvalid,
-    {0, 0, false},
-    5000314,        // time index not written
+    kOutOfRange,
     false,
-    summaryToWords, summaryFromWords,
-    {2, {ExtentKind::Time, ExtentKind::Metres}, 5000301, nullptr, 5000303, 5000302, 5000326, nullptr, nullptr,
-     nullptr, nullptr},
 };
 
 int code(int reason) { return kProcessedDepths.code(reason); }
@@ -140,7 +137,7 @@ int readHeader(Sections &in, std::uint32_t profile, std::uint64_t offset, Proces
                ProcessedDepthsHeads *heads, ProcessedDepthsPingUncertainty *uncertainty) {
     ProcessedState &s = in.s;
     s.header.number = 0;
-    const ProcessedDepthsFrame frame = frameOf(in.h);
+    const ProcessedDepthsFrame frame = frameOf(in.h, in.s);
     std::uint32_t w[kMaxProfileRecordWords];
     ProcessedDepthsPing p;
     if (const int rc = in.read(kPingBytes, w)) return rc;
@@ -176,7 +173,7 @@ int readBeamSections(Sections &in, ProcessedDepthsSounding *sounding, ProcessedD
     std::uint32_t w[kMaxProfileRecordWords];
     if (sounding) {
         if (const int rc = in.read(kSoundingBytes, w)) return rc;
-        decodeSounding(w, in.s.ping, frameOf(in.h), *sounding);
+        decodeSounding(w, in.s.ping, frameOf(in.h, in.s), *sounding);
     } else if (const int rc = in.skip(kSoundingBytes)) {
         return rc;
     }
@@ -250,10 +247,10 @@ VELMIO_API int ProcessedDepthsSummary(TOVO_Sensor *handle, unsigned int *toolTyp
                                       double *maxTime, double *minDepth, double *maxDepth, unsigned int *status) {
     ProcessedState *s = nullptr;
     if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    if (toolType) *toolType = handle->familyWords[1];
+    if (toolType) *toolType = s->familyWords[0];
     if (numberOfLineSegments) *numberOfLineSegments = handle->segmentCount;
     if (numberOfProfiles) *numberOfProfiles = handle->recordCount;
-    if (numberOfBeams) *numberOfBeams = handle->familyWords[0];
+    if (numberOfBeams) *numberOfBeams = s->itemCount;
     if (minTime) *minTime = handle->extents[kTime].min;
     if (maxTime) *maxTime = handle->extents[kTime].max;
     if (minDepth) *minDepth = handle->extents[kDepth].min;
@@ -370,19 +367,19 @@ VELMIO_API int ProcessedDepthsBgnSeqWriteProfile(TOVO_Sensor *handle, const Proc
     // The layout word has 16 bits for each number.
     if (ping->beamCount > 0xFFFFu || ping->firstBeam == 0 || ping->firstBeam > 0xFFFFu) return code(kNotEncoded);
     if (heads && heads->count > 2) return code(kNotEncoded);
-    if (handle->firstRecordPending) {
+    if (s->firstRecordPending) {
         handle->referenceLatitude = TOVO_EncodeRefPosition(ping->latitude);
         handle->referenceLongitude = TOVO_EncodeRefPosition(ping->longitude);
     }
-    fixReference(*handle, ping->time);
-    const ProcessedDepthsFrame frame = frameOf(*handle);
+    const bool first = fixReference(*handle, *s, ping->time);
+    const ProcessedDepthsFrame frame = frameOf(*handle, *s);
     std::uint32_t w[kMaxProfileRecordWords];
     encodePing(*ping, frame, w);
     encodeHeads(heads ? *heads : ProcessedDepthsHeads{}, w + kPingWords);
     encodePingUncertainty(uncertainty ? *uncertainty : ProcessedDepthsPingUncertainty{}, w + kPingWords + kHeadsWords);
     // Beams are encoded against the ping as readers will decode it.
     decodePing(w, frame, s->ping);
-    return appendHeader(*handle, *s, ping->beamCount, ping->time, w);
+    return appendHeader(*handle, *s, ping->beamCount, ping->time, w, first);
 }
 
 VELMIO_API int ProcessedDepthsSeqWrite(TOVO_Sensor *handle, const ProcessedDepthsSounding *sounding,
@@ -392,7 +389,7 @@ VELMIO_API int ProcessedDepthsSeqWrite(TOVO_Sensor *handle, const ProcessedDepth
     if (const int rc = enter(handle, kCreateMode, s)) return rc;
     if (!sounding) return -1;
     std::uint32_t w[kMaxProfileRecordWords];
-    encodeSounding(*sounding, s->ping, frameOf(*handle), w);
+    encodeSounding(*sounding, s->ping, frameOf(*handle, *s), w);
     encodeMeasurement(measurement ? *measurement : ProcessedDepthsMeasurement{}, w + kSoundingWords);
     encodeReductions(reductions ? *reductions : ProcessedDepthsReductions{}, w + kSoundingWords + kMeasurementWords);
     if (const int rc = appendItem(*handle, *s, w)) return rc;
@@ -450,22 +447,23 @@ VELMIO_API int ProcessedDepthsUpdateStatus(TOVO_Sensor *handle, unsigned int pro
     std::uint32_t word = 0;
     if (const int rc = readUnits(*handle, *s, 4, &word)) return rc;
     word = (word & 0xFFFFu) | (status & 0xFFFF0000u);
+    if (const int rc = storeUnits(*handle, *s, at, &word, 1)) return rc;
+    // The block reader reads through the stream: neither its block nor the
+    // stream's buffer may keep the bytes from before the edit.
     clearBuffer(s->reader);
-    return storeUnits(*handle, *s, at, &word, 1);
+    return std::fflush(handle->dataFile) == 0 ? 0 : code(kSeekFailed);
 }
 
 VELMIO_API int ProcessedDepthsSaveStatusToDisk(TOVO_Sensor *handle) {
     ProcessedState *s = nullptr;
     if (const int rc = enter(handle, kUpdateMode, s)) return rc;
-    s->window.invalidate();
     clearBuffer(s->reader);
-    if (writeSummary(*handle, *s) != 0) return code(kSummaryNotEncoded);
+    if (writeSummaryBlock(*handle, *s) != 0) return code(kSummaryNotWritten);
     try {
         if (const int rc = writeLineSegmentFile(*handle, kProcessedDepths.segments)) return rc;
     } catch (const std::bad_alloc &) {
         return kNoMemory;
     }
-    if (std::fflush(handle->dataFile) != 0) return code(kSeekFailed);
     s->statusDirty = false;
     return 0;
 }

@@ -37,70 +37,67 @@ int seekProfile(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std::uin
 
 bool payloadFits(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std::uint64_t offset,
                  std::uint32_t count) {
-    const std::uint64_t end = offset + s.geometry.headerBytes + std::uint64_t{count} * s.geometry.beamBytes;
+    const std::uint64_t end = offset + s.geometry.headerBytes + std::uint64_t{count} * s.geometry.itemBytes;
     return end <= profileLimit(h, s, profile);
 }
 
 bool payloadFitsFile(const ProfileState &s, std::uint64_t offset, std::uint32_t count) {
-    const std::uint64_t end = offset + s.geometry.headerBytes + std::uint64_t{count} * s.geometry.beamBytes;
+    const std::uint64_t end = offset + s.geometry.headerBytes + std::uint64_t{count} * s.geometry.itemBytes;
     return s.fileSize >= 0 && end <= static_cast<std::uint64_t>(s.fileSize);
 }
 
 int seekItem(TOVO_Sensor &h, ProfileState &s, std::uint32_t k) {
     const std::uint64_t target =
-        std::uint64_t{s.header.offset} + s.geometry.headerBytes + std::uint64_t{k} * s.geometry.beamBytes;
+        std::uint64_t{s.header.offset} + s.geometry.headerBytes + std::uint64_t{k} * s.geometry.itemBytes;
     return target == s.position ? 0 : seekData(h, s, target, kSeekFailed);
 }
 
-void fixReference(TOVO_Sensor &h, double time) {
-    if (!h.firstRecordPending) return;
+bool fixReference(TOVO_Sensor &h, ProfileState &s, double time) {
+    if (!s.firstRecordPending) return false;
     h.referenceTime = TOVO_EncodeRefTime(time);
-    h.firstRecordPending = 0;
+    s.firstRecordPending = false;
+    return true;
 }
 
-int appendHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t items, double time, const std::uint32_t *words) {
-    const ProfileFamily &f = s.family;
+int appendHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t items, double time, const std::uint32_t *words,
+                 bool first) {
+    const EngineFamily &f = s.family;
     // Counted before anything can fail, as readers of a partial file expect.
     h.recordCount += 1;
-    h.familyWords[0] += items;
+    s.itemCount += items;
+    ++s.written;
     s.profileTime = time;
     s.profileOpen = true;
     s.beamsDeclared = items;
     s.beamsWritten = 0;
-    if (TmIdxEntry(&h, TOVO_EncodeTime(time, h.referenceTime, h.timeScale)) != 0)
-        return f.code(kTimeIndexEntryFailed);
+    if (const int rc = appendIndexEntry(h, s, TOVO_EncodeTime(time, h.referenceTime, h.timeScale))) return rc;
     unsigned char bytes[4 * kMaxProfileRecordWords];
-    putUnits(words, f.headerBytes / 4, bytes);
-    if (std::fwrite(bytes, 1, f.headerBytes, h.dataFile) != f.headerBytes) return f.code(kWriteFailed);
+    putUnits(words, f.geometry.headerBytes / 4, bytes);
+    if (!s.appender.append(bytes, f.geometry.headerBytes)) return f.code(kWriteFailed);
     h.extents[0].widen(time);
     if (s.currentSegment) s.currentSegment->extents[0].widen(time);
-    return 0;
+    return first ? referencesFixed(h, s) : 0;
 }
 
-int appendItem(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words) {
-    const ProfileFamily &f = s.family;
+int appendItem(TOVO_Sensor &, ProfileState &s, const std::uint32_t *words) {
+    const EngineFamily &f = s.family;
     // Readers find items by the header's count: one more would be read as
     // the next profile's header.
     if (!s.profileOpen || s.beamsWritten >= s.beamsDeclared) return f.code(kOutOfRange);
     unsigned char bytes[4 * kMaxProfileRecordWords];
-    putUnits(words, f.beamBytes / 4, bytes);
+    putUnits(words, f.geometry.itemBytes / 4, bytes);
     ++s.beamsWritten;
-    if (std::fwrite(bytes, 1, f.beamBytes, h.dataFile) != f.beamBytes) return f.code(kWriteFailed);
+    if (!s.appender.append(bytes, f.geometry.itemBytes)) return f.code(kWriteFailed);
     return 0;
 }
 
-int storeUnits(TOVO_Sensor &h, ProfileState &s, std::uint64_t offset, const std::uint32_t *words, unsigned count) {
-    const ProfileFamily &f = s.family;
+int storeUnits(TOVO_Sensor &, ProfileState &s, std::uint64_t offset, const std::uint32_t *words, unsigned count) {
     s.window.invalidate();  // reads after the edit must see it
     s.repositionNeeded = 1;
     ++s.seekCount;
     unsigned char bytes[4 * kMaxProfileRecordWords];
     putUnits(words, count, bytes);
-    if (offset > static_cast<std::uint64_t>(std::numeric_limits<long>::max()) ||
-        std::fseek(h.dataFile, static_cast<long>(offset), SEEK_SET) != 0)
-        return f.code(kSeekFailed);
-    if (std::fwrite(bytes, 4, count, h.dataFile) != count || std::fflush(h.dataFile) != 0)
-        return f.code(kWriteFailed);
+    if (!s.source || !s.source->writeAt(offset, bytes, 4 * count)) return s.family.code(kWriteFailed);
     return 0;
 }
 

@@ -36,13 +36,15 @@ bool payloadFitsFile(const ProfileState &s, std::uint64_t offset, std::uint32_t 
 int seekItem(TOVO_Sensor &h, ProfileState &s, std::uint32_t k);
 
 // Writing. fixReference makes the first ping's time the line's reference,
-// so that the header can be encoded; appendHeader counts the profile and
-// its items, adds the time index entry and writes the header; appendItem
-// writes one item of the open profile.
-void fixReference(TOVO_Sensor &h, double time);
-int appendHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t items, double time, const std::uint32_t *words);
+// so that the header can be encoded, and tells whether it was the first;
+// appendHeader counts the profile and its items, adds the time index entry,
+// writes the header and, after the first, the summary as it stands;
+// appendItem writes one item of the open profile.
+bool fixReference(TOVO_Sensor &h, ProfileState &s, double time);
+int appendHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t items, double time, const std::uint32_t *words,
+                 bool first);
 int appendItem(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words);
-// Writes units in place at offset (update mode) and flushes.
+// Writes units in place at offset (update mode).
 int storeUnits(TOVO_Sensor &h, ProfileState &s, std::uint64_t offset, const std::uint32_t *words, unsigned count);
 
 }  // namespace velmio

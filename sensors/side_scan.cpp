@@ -26,46 +26,32 @@ constexpr int kAmplitude = 1;
 constexpr int kBlock = 5000900;
 constexpr int code(int reason) { return kBlock + reason; }
 
-void summaryToWords(const TOVO_Sensor &h, std::uint32_t *w) {
-    SideScanSummaryRecord s;
-    s.status = h.summaryStatus;
-    s.sonarType = h.familyWords[1];
-    s.profiles = h.recordCount;
-    s.samples = h.familyWords[0];
-    s.timeScale = h.timeScale;
-    s.referenceTime = h.referenceTime;
-    s.minTime = h.extents[kTime].min;
-    s.maxTime = h.extents[kTime].max;
-    const Extent &a = h.extents[kAmplitude];
-    if (a.min <= a.max) {
-        s.minAmplitude = static_cast<std::int32_t>(a.min);
-        s.maxAmplitude = static_cast<std::int32_t>(a.max);
-    }
-    encodeSideScanSummary(s, w);
-}
-
-bool summaryFromWords(TOVO_Sensor &h, const std::uint32_t *w) {
-    SideScanSummaryRecord s;
-    if (!decodeSideScanSummary(w, s)) return false;
-    h.summaryStatus = s.status;
-    h.familyWords[1] = s.sonarType;
-    h.recordCount = s.profiles;
-    h.familyWords[0] = s.samples;
-    h.timeScale = s.timeScale;
-    h.referenceTime = s.referenceTime;
-    h.extents[kTime] = {s.minTime, s.maxTime};
-    h.extents[kAmplitude] = Extent();
-    if (s.minAmplitude <= s.maxAmplitude) h.extents[kAmplitude] = {double(s.minAmplitude), double(s.maxAmplitude)};
-    return true;
-}
+constexpr SummaryField kSummary[] = {
+    {SummaryWord::Status},
+    {SummaryWord::FamilyWord0},  // sonar type
+    {SummaryWord::RecordCount},
+    {SummaryWord::ItemCount},    // samples
+    {SummaryWord::TimeScale},
+    {SummaryWord::ReferenceTime},
+    {SummaryWord::ExtentMin, kTime, ExtentKind::Time},
+    {SummaryWord::ExtentMax, kTime, ExtentKind::Time},
+    {SummaryWord::ExtentMin, kAmplitude, ExtentKind::Whole},
+    {SummaryWord::ExtentMax, kAmplitude, ExtentKind::Whole},
+};
+constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
+static_assert(kSummaryWords == kSideScanSummaryWords && kSummaryWords <= kMaxSummaryWords, "the documented summary");
+static_assert(kSideScanHeaderWords <= kMaxProfileRecordWords, "a header fits the record buffers");
 
 // The kinds differ only in the type their files and handles carry.
 ProfileFamily kind(std::uint32_t typeId) {
-    return {typeId, kBlock, 4 * kSideScanSummaryWords, 4 * kSideScanHeaderWords, 4 * kSideScanSampleWords,
-            1, kOutOfRange, kSummaryInvalid, {0, 0, false}, code(kTimeIndexNotWritten), false,
-            summaryToWords, summaryFromWords,
-            {1, {ExtentKind::Time}, code(kSegmentOpenFailed), nullptr, code(kSegmentInvalid),
-             code(kSegmentNotWritten), code(kCloseFailed), nullptr, nullptr, nullptr, nullptr}};
+    return {{kBlock, 1, {4 * kSideScanHeaderWords, 4 * kSideScanSampleWords, false}, {0, 0, false}, kSummaryWords,
+             kSummary, nullptr,
+             {1, {ExtentKind::Time}, code(kSegmentOpenFailed), nullptr, code(kSegmentInvalid),
+              code(kSegmentNotWritten), code(kCloseFailed), nullptr, nullptr, nullptr, nullptr},
+             code(kSummaryInvalid), nullptr, kSummaryInvalid, nullptr, code(kTimeIndexNotWritten), 0},
+            typeId,
+            kOutOfRange,
+            false};
 }
 
 const ProfileFamily kKinds[] = {kind(9), kind(10), kind(13), kind(15), kind(19), kind(20)};
@@ -83,12 +69,10 @@ int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) {
     if (!h) return code(kNullHandle);
     if (!kindOf(h->typeId)) return code(kWrongType);
     if (!modeAllowed(*h, modes)) return code(kWrongMode);
-    s = dynamic_cast<ProfileState *>(h->familyState);
-    if (!s || s->family.block != kBlock) {
-        s = nullptr;
-        return -1;
-    }
-    return 0;
+    for (const ProfileFamily &k : kKinds)
+        if (h->familyState && h->familyState->owner == static_cast<const EngineFamily *>(&k))
+            s = static_cast<ProfileState *>(h->familyState);
+    return s ? 0 : -1;
 }
 
 bool hasTrace(const TOVO_Sensor &h) { return h.typeId == 9 || h.typeId == 10; }
@@ -289,10 +273,10 @@ VELMIO_API int SideScanSummary(TOVO_Sensor *handle, unsigned int *sonarType, uns
     if (const int rc = enter(handle, kAnyMode, s)) return rc;
     const Extent &a = handle->extents[kAmplitude];
     const bool empty = a.min > a.max;
-    if (sonarType) *sonarType = handle->familyWords[1];
+    if (sonarType) *sonarType = s->familyWords[0];
     if (numberOfLineSegments) *numberOfLineSegments = handle->segmentCount;
     if (numberOfProfiles) *numberOfProfiles = handle->recordCount;
-    if (numberOfSamples) *numberOfSamples = handle->familyWords[0];
+    if (numberOfSamples) *numberOfSamples = s->itemCount;
     if (minTime) *minTime = handle->extents[kTime].min;
     if (maxTime) *maxTime = handle->extents[kTime].max;
     if (minAmplitude) *minAmplitude = empty ? INT_MAX : static_cast<int>(a.min);
@@ -374,7 +358,7 @@ VELMIO_API int SideScanReadProfiles(TOVO_Sensor *handle, unsigned int firstProfi
                                     unsigned int *statuses) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kReadModes, s)) return rc;
-    return readProfiles(handle, s->family, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
+    return readProfiles(handle, s->profiles, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
         unsigned int n, first, status;
         double t, interval;
         int g, a1, a2;
@@ -412,13 +396,13 @@ VELMIO_API int SideScanReadSamples(TOVO_Sensor *handle, unsigned int firstProfil
         if (detections) detections[slot] = d;
         return 0;
     };
-    return readBeams(handle, s->family, firstProfile, count, sampleCapacity, sampleOffsets, samplesOf, readOne);
+    return readBeams(handle, s->profiles, firstProfile, count, sampleCapacity, sampleOffsets, samplesOf, readOne);
 }
 
 VELMIO_API int SideScanBgnSeqWriteSummary(TOVO_Sensor *handle, unsigned int sonarType) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    handle->familyWords[1] = sonarType;
+    s->familyWords[0] = sonarType;
     return 0;
 }
 
@@ -435,12 +419,12 @@ VELMIO_API int SideScanBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numb
     if (const int rc = enter(handle, kCreateMode, s)) return rc;
     // A header no reader would accept is never written.
     if (numberOfSamples > kSideScanMaxSamples || firstSample == 0) return code(kNotEncoded);
-    fixReference(*handle, time);
+    const bool first = fixReference(*handle, *s, time);
     const SideScanHeader p = {status, numberOfSamples, firstSample, time, sampleInterval, gain, attenuation1,
                               attenuation2};
     std::uint32_t w[kSideScanHeaderWords];
     encodeSideScanHeader(p, handle->referenceTime, handle->timeScale, w);
-    return appendHeader(*handle, *s, numberOfSamples, time, w);
+    return appendHeader(*handle, *s, numberOfSamples, time, w, first);
 }
 
 VELMIO_API int SideScanSeqWrite(TOVO_Sensor *handle, int amplitude, unsigned int detection) {
@@ -456,7 +440,7 @@ VELMIO_API int SideScanSeqWriteSamples(TOVO_Sensor *handle, unsigned int count, 
                                        const unsigned int *detections) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    return writeBeams(handle, s->family, count, amplitudes != nullptr, [&](std::uint32_t i) {
+    return writeBeams(handle, s->profiles, count, amplitudes != nullptr, [&](std::uint32_t i) {
         return SideScanSeqWrite(handle, amplitudes[i], detections ? detections[i] : 0);
     });
 }
@@ -518,7 +502,7 @@ VELMIO_API int SideScanReadTrace(TOVO_Sensor *handle, unsigned int recordNumber,
 VELMIO_API int SideScanSetSonarType(TOVO_Sensor *handle, unsigned int sonarType) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    handle->familyWords[1] = sonarType;
+    s->familyWords[0] = sonarType;
     if (!isWriting(*handle)) s->statusDirty = true;
     return 0;
 }
@@ -549,14 +533,12 @@ VELMIO_API int SideScanUpdateProfileStatus(TOVO_Sensor *handle, unsigned int pro
 VELMIO_API int SideScanSaveStatusToDisk(TOVO_Sensor *handle) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kUpdateMode, s)) return rc;
-    s->window.invalidate();
-    if (writeSummary(*handle, *s) != 0) return code(kSummaryNotEncoded);
+    if (writeSummaryBlock(*handle, *s) != 0) return code(kSummaryNotWritten);
     try {
         if (const int rc = writeLineSegmentFile(*handle, s->family.segments)) return rc;
     } catch (const std::bad_alloc &) {
         return kNoMemory;
     }
-    if (std::fflush(handle->dataFile) != 0) return code(kSeekFailed);
     s->statusDirty = false;
     return 0;
 }
