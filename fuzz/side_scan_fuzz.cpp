@@ -167,29 +167,26 @@ void readTraces(const std::string &path) {
 
 void decodeUnits(const std::vector<std::uint32_t> &w) {
     if (w.size() >= kProcessedHeaderBytes / 4 + kProcessedBeamBytes / 4) {
-        ProcessedSummary summary;
-        if (!decodeProcessedSummary(w.data(), summary)) summary = ProcessedSummary();
+        const ProcessedDepthsFrame frame;
         ProcessedDepthsPing ping;
         ProcessedDepthsHeads heads;
         ProcessedDepthsPingUncertainty uncertainty;
         ProcessedDepthsSounding sounding;
         ProcessedDepthsMeasurement measurement;
         ProcessedDepthsReductions reductions;
-        decodePing(w.data(), summary.frame, ping);
+        decodePing(w.data(), frame, ping);
         decodeHeads(w.data() + kPingWords, heads);
         decodePingUncertainty(w.data() + kPingWords + kHeadsWords, uncertainty);
         const std::uint32_t *beam = w.data() + kProcessedHeaderBytes / 4;
-        decodeSounding(beam, ping, summary.frame, sounding);
+        decodeSounding(beam, ping, frame, sounding);
         decodeMeasurement(beam + kSoundingWords, measurement);
         decodeReductions(beam + kSoundingWords + kMeasurementWords, reductions);
     }
-    if (w.size() < kSideScanSummaryWords + kSideScanHeaderWords) return;
-    SideScanSummaryRecord summary;
-    if (!decodeSideScanSummary(w.data(), summary)) return;
+    if (w.size() < kSideScanHeaderWords) return;
     SideScanHeader header;
-    if (!decodeSideScanHeader(w.data() + kSideScanSummaryWords, summary.referenceTime, summary.timeScale, header)) return;
+    if (!decodeSideScanHeader(w.data(), 100, 1000, header)) return;
     // The samples the input still holds after the header, as a reader would be given them.
-    const std::size_t first = kSideScanSummaryWords + kSideScanHeaderWords;
+    const std::size_t first = kSideScanHeaderWords;
     const std::size_t count = std::min<std::size_t>(header.sampleCount, w.size() - first);
     std::vector<std::int32_t> raw(w.begin() + first, w.begin() + first + count);
     std::vector<unsigned char> bytes(count);
@@ -300,10 +297,9 @@ std::vector<std::vector<std::uint8_t>> velmioFuzzSeeds() {
         for (std::uint32_t p = 1; p <= 3; ++p) appendTrace(f, {p, 40 * p, 12.5 * p});
         std::fclose(f);
     }
-    // A trace file, then units that read as a side scan summary and a
-    // three-sample EM100 ping.
+    // A trace file, then units that read as a three-sample EM100 ping.
     Bytes units;
-    for (std::uint32_t w : {0u, 9u, 1u, 3u, 1000u, 100u, 0u, 0u, 0u, 300u, 0u, 3u, 1u, 0u, 125u, 18u,
+    for (std::uint32_t w : {0u, 3u, 1u, 0u, 125u, 18u,
                             0xFFFFFFE2u, 0xFFFFFFF6u, 10u, 266u, 0xFFFFFFFDu})
         for (int b = 24; b >= 0; b -= 8) units.push_back(static_cast<std::uint8_t>(w >> b));
     units.resize(std::max<std::size_t>(units.size(), 4 * (kProcessedHeaderBytes / 4 + kProcessedBeamBytes / 4)));

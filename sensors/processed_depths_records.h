@@ -28,20 +28,6 @@ struct ProcessedDepthsFrame {
 
 constexpr unsigned kProcessedSummaryWords = 16;
 
-struct ProcessedSummary {
-    std::uint32_t status = 0;
-    std::uint32_t toolType = 0;
-    std::uint32_t profiles = 0;
-    std::uint32_t beams = 0;
-    ProcessedDepthsFrame frame;
-    double minTime = 0.0, maxTime = 0.0;
-    double minDepth = 0.0, maxDepth = 0.0;
-};
-
-void encodeProcessedSummary(const ProcessedSummary &s, std::uint32_t *words);
-// False for a scale that is not positive.
-bool decodeProcessedSummary(const std::uint32_t *words, ProcessedSummary &s);
-
 void encodePing(const ProcessedDepthsPing &p, const ProcessedDepthsFrame &f, std::uint32_t *words);
 // False for a layout no profile can have (first beam 0).
 bool decodePing(const std::uint32_t *words, const ProcessedDepthsFrame &f, ProcessedDepthsPing &p);

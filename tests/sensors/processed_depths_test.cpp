@@ -232,17 +232,16 @@ TEST(ProcessedDepthsCorrupt, EveryCutOfEveryFileReadsWithACode) {
     const char *names[] = {"ProcessedDepths", "ProcessedDepthsTmIdx", "ProcessedDepthsLineSegments"};
     for (const char *name : names) {
         const Bytes whole = readFile(source.file(name));
-        for (std::size_t cut = 0; cut < whole.size(); cut += (cut < 400 || whole.size() - cut < 400) ? 1 : 37) {
+        for (std::size_t cut = 0; cut < whole.size(); ++cut) {
             TempDir dir;
             for (const char *other : names) writeFile(dir.file(other), readFile(source.file(other)));
             writeFile(dir.file(name), Bytes(whole.begin(), whole.begin() + cut));
-            for (const char *cache : {"0", "7"}) {
-                CacheSizeSetting setting(cache);
-                for (double code : readEverything(dir)) {
-                    if (code >= 5000000 && code < 6000000) {
-                        EXPECT_TRUE((code > 5000300 && code < 5000400) || code < 5000100)
-                            << name << " cut at " << cut << ": " << code;
-                    }
+            // Odd cuts are read through the block reader, even ones directly.
+            CacheSizeSetting setting(cut % 2 ? "7" : "0");
+            for (double code : readEverything(dir)) {
+                if (code >= 5000000 && code < 6000000) {
+                    EXPECT_TRUE((code > 5000300 && code < 5000400) || code < 5000100)
+                        << name << " cut at " << cut << ": " << code;
                 }
             }
         }
