@@ -57,6 +57,7 @@ void setEntrySetting(VELMVesselSensorConfig &entry, const std::string &name, con
 py::list transducerSettingNames();
 
 void registerSensors(py::module_ &module);
+void registerSonarFamilies(py::module_ &module);
 void registerVessel(py::module_ &module);
 void registerSvp(py::module_ &module);
 void registerGeodesy(py::module_ &module);
