@@ -20,6 +20,11 @@ constexpr std::int32_t kEmptyMax = -2147483647 - 1;
 constexpr std::uint32_t kMagic = 0x544F564F;  // "TOVO"
 constexpr std::uint32_t kRecordVersion = 3;
 
+template <class List>
+void reserveOneMore(List &list) {
+    if (list.size() == list.capacity()) list.reserve(2 * list.size() + 16);
+}
+
 }  // namespace
 
 TimeIndex::TimeIndex(TimeIndex &&o) noexcept { *this = std::move(o); }
@@ -56,9 +61,11 @@ _TOVO_TmIdxSet *TimeIndex::allocSet(std::uint32_t room) {
     bool listed = false;
     if (set && (entries || room == 0)) {
         try {
-            sets_.reserve(sets_.size() + 1);
-            before_.reserve(before_.size() + 1);
-            rooms_.reserve(rooms_.size() + 1);
+            // Room for the new set grows geometrically: an exact reserve per
+            // set copies every list once per set, quadratic in a long line.
+            reserveOneMore(sets_);
+            reserveOneMore(before_);
+            reserveOneMore(rooms_);
             listed = true;
         } catch (const std::bad_alloc &) {
         }
