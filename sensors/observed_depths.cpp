@@ -49,6 +49,8 @@ bool summaryFromWords(TOVO_Sensor &h, const std::uint32_t *w) {
     return true;
 }
 
+void widenByBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w, Extent *extents);
+
 const ProfileFamily kObservedDepths = {
     4,                          // type (ObservedDepthsNew is recorded as 4 too)
     5000200,                    // code block
@@ -61,6 +63,8 @@ const ProfileFamily kObservedDepths = {
     summaryToWords, summaryFromWords,
     {2, {ExtentKind::Time, ExtentKind::Metres}, 5000201, nullptr, 5000203, 5000202, 5000226, nullptr, nullptr,
      nullptr, nullptr},
+    false,  // time bounds come from the beams only
+    widenByBeam,
 };
 
 int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enterProfile(h, kObservedDepths, modes, s); }
@@ -97,6 +101,12 @@ Beam decodeBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t
         b.extra = 0.0;
     }
     return b;
+}
+
+void widenByBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    const Beam b = decodeBeam(h, s, w);
+    extents[kTime].widen(b.time);
+    extents[kDepth].widen(b.depth);
 }
 
 void fillBeam(const Beam &b, double *time, double *y, double *x, double *depth, double *extra,
@@ -156,6 +166,8 @@ int editBeam(TOVO_Sensor *h, std::uint32_t profile, std::uint32_t beam, Change c
 }
 
 }  // namespace
+
+const ProfileFamily &velmio::observedDepthsProfiles() { return kObservedDepths; }
 
 extern "C" {
 

@@ -206,6 +206,13 @@ int beginProfile(TOVO_Sensor &h, ProfileState &s, std::uint32_t beams, std::uint
     s.repositionNeeded = 1;
     const int encodedTime = TOVO_EncodeTime(time, h.referenceTime, h.timeScale);
     if (TmIdxEntry(&h, encodedTime) != 0) return f.code(kTimeIndexEntryFailed);
+    // The references the first profile fixed go to the disk before its
+    // header: a writer killed later leaves profiles that can be salvaged.
+    if (!s.summaryOnDisk) {
+        if (const int rc = writeSummary(h, s)) return rc;
+        if (platform::flushFile(h.dataFile) != 0) return f.code(kWriteFailed);
+        s.summaryOnDisk = true;
+    }
     std::uint32_t words[kMaxRecordWords] = {status, (beams << 16) | firstBeam, asWord(encodedTime)};
     const unsigned count = f.headerBytes / 4;
     for (unsigned i = 0; i < extraCount && 3 + i < count; ++i) words[3 + i] = extra[i];

@@ -69,6 +69,8 @@ struct ProfileGeometry {
     bool countOnlyLayout;  // the layout word is the beam count, first beam 1
 };
 
+class ProfileState;
+
 struct ProfileFamily {
     std::uint32_t typeId;
     int block;                  // 5000200, 5001900, 5002700
@@ -86,6 +88,11 @@ struct ProfileFamily {
     void (*toWords)(const TOVO_Sensor &h, std::uint32_t *words);
     bool (*fromWords)(TOVO_Sensor &h, const std::uint32_t *words);
     SegmentFileFormat segments;
+    // Salvage rebuilds the bounds from the records: whether a header's time
+    // bounds the time extent, and what one beam's words widen (its time
+    // among them; s.profileTime is its profile's).
+    bool headerTimeBound;
+    void (*widenByBeam)(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *words, Extent *extents);
 
     int code(int reason) const { return block + reason; }
 };
@@ -125,6 +132,7 @@ public:
     // Set by status setters of a family without SaveStatusToDisk, so that
     // its close writes summary and segments of an update handle.
     bool statusDirty = false;
+    bool summaryOnDisk = false;      // create mode: the first profile's references are written
     std::int64_t fileSize = -1;      // of the data file, read modes
     unsigned long seekCount = 0;     // data file repositionings
     // Read modes: the data file is read by position through a window. A
@@ -223,6 +231,11 @@ int storeBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t offset, const std::
 // Sequential reads at the current file position.
 int readHeaderSeq(TOVO_Sensor &h, ProfileState &s, ProfileHeader &out);
 int readBeamSeq(TOVO_Sensor &h, ProfileState &s, std::uint32_t *words);
+
+// The tables of the families, for salvaging their lines.
+const ProfileFamily &observedDepthsProfiles();
+const ProfileFamily &slantRangeProfiles();
+const ProfileFamily &tpeProfiles();
 
 inline std::int32_t asSigned(std::uint32_t w) { return static_cast<std::int32_t>(w); }
 inline std::uint32_t asWord(std::int32_t v) { return static_cast<std::uint32_t>(v); }

@@ -47,6 +47,8 @@ int invalidWord(const RecordFamily &f, int word) {
     return f.code(kSummaryInvalid);
 }
 
+}  // namespace
+
 int readSummary(TOVO_Sensor &h, const RecordFamily &f) {
     if (int rc = TOVO_ReadDataValidationRecord(&h)) {
         sayIf(f.headerInvalidMessage);
@@ -96,6 +98,8 @@ int readSummary(TOVO_Sensor &h, const RecordFamily &f) {
     }
     return 0;
 }
+
+namespace {
 
 int loadStatusShadow(TOVO_Sensor &h, RecordState &s) {
     const RecordFamily &f = s.family;
@@ -217,8 +221,15 @@ int beginRecord(TOVO_Sensor &h, RecordState &s, std::int32_t encodedTime) {
     return 0;
 }
 
-int finishRecord(TOVO_Sensor &, RecordState &s) {
+int finishRecord(TOVO_Sensor &h, RecordState &s) {
     if (!s.appender.append(s.record, s.family.recordSize)) return s.family.code(kWriteFailed);
+    // The references the first record fixed go to the disk at once: a writer
+    // killed later leaves records that can still be decoded and salvaged.
+    if (!s.summaryOnDisk) {
+        if (writeSummary(h, s) != 0 || platform::flushFile(h.dataFile) != 0)
+            return s.family.code(kSummaryNotWritten);
+        s.summaryOnDisk = true;
+    }
     return 0;
 }
 

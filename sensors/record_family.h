@@ -104,6 +104,7 @@ struct RecordState : FamilyState {
     ReadWindow window;
     AppendBuffer appender;         // create mode
     std::uint64_t nextOffset = 0;  // where ReadSeq reads: behind the last record read
+    bool summaryOnDisk = false;    // create mode: the first record's references are written
 };
 
 // Modes other than query and update are treated as create, as the open does.
@@ -144,9 +145,16 @@ int finishRecord(TOVO_Sensor &h, RecordState &s);
 void widenExtents(TOVO_Sensor &h, const double *values, int count);
 
 int writeSummary(TOVO_Sensor &h, RecordState &s);
+// Decodes the validation record and the summary block of an open data file
+// into the handle; 0 or the family's code (the words read stay set).
+int readSummary(TOVO_Sensor &h, const RecordFamily &f);
 int saveStatusToDisk(TOVO_Sensor &h, RecordState &s);
 // Finishes and releases the handle whatever happens; the first failure's code.
 int closeRecordFamily(TOVO_Sensor *h, RecordState &s);
+
+// The tables of the families, for salvaging their lines.
+const RecordFamily &simpleSensorRecords();
+const RecordFamily &navigationRecords();
 
 // The operations both families perform alike once the handle is checked.
 int mapRecord(TOVO_Sensor &h, const RecordFamily &f, std::uint32_t n, std::uint32_t &offset);

@@ -44,6 +44,10 @@ bool summaryFromWords(TOVO_Sensor &h, const std::uint32_t *w) {
     return true;
 }
 
+void widenByBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    extents[kTime].widen(beamTime(h, s.profileTime, w[0]));
+}
+
 const ProfileFamily kSlantRange = {
     30,
     5001900,
@@ -55,6 +59,8 @@ const ProfileFamily kSlantRange = {
     false,
     summaryToWords, summaryFromWords,
     {1, {ExtentKind::Time}, 5001901, nullptr, 5001903, 5001902, 5001926, nullptr, nullptr, nullptr, nullptr},
+    true,
+    widenByBeam,
 };
 
 int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enterProfile(h, kSlantRange, modes, s); }
@@ -95,6 +101,8 @@ bool withinBeamTotal(const TOVO_Sensor &h, std::uint32_t profile) {
 }
 
 }  // namespace
+
+const ProfileFamily &velmio::slantRangeProfiles() { return kSlantRange; }
 
 extern "C" {
 

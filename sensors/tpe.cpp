@@ -65,6 +65,12 @@ bool summaryFromWords(TOVO_Sensor &h, const std::uint32_t *w) {
     return true;
 }
 
+void widenByBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    extents[kTime].widen(beamTime(h, s.profileTime, w[0]));
+    extents[kError1].widen(decodeError(w[1]));
+    extents[kError2].widen(decodeError(w[2]));
+}
+
 const ProfileFamily kTpe = {
     52,
     5002700,
@@ -77,6 +83,8 @@ const ProfileFamily kTpe = {
     false,
     summaryToWords, summaryFromWords,
     {1, {ExtentKind::Time}, 5002701, nullptr, 5002703, 5002702, 5002726, nullptr, nullptr, nullptr, nullptr},
+    true,
+    widenByBeam,
 };
 
 class TpeState : public ProfileState {
@@ -165,6 +173,8 @@ bool withinBeamTotal(const TOVO_Sensor &h, std::uint32_t profile) {
 }
 
 }  // namespace
+
+const ProfileFamily &velmio::tpeProfiles() { return kTpe; }
 
 extern "C" {
 
