@@ -84,13 +84,13 @@ public:
         if (!s.repaired || dryRun_) return;
         const std::vector<std::wstring> files = filesOf(line_, s.name);
         s.suffix = freeSuffix(files);
-        std::vector<std::wstring> aside;
-        s.code = setAside(files, s.suffix, r.segmentsValid, aside);
+        std::vector<bool> found, aside;
+        s.code = setAside(files, s.suffix, r.segmentsValid, found, aside);
         if (s.code == 0) {
             velmio::SalvageReport done;
             s.code = velmio::salvageLine(line_.c_str(), s.typeId, velmio::SalvageOptions{}, done);
         }
-        if (s.code != 0 && !restore(files, s.suffix, aside)) s.code = kNotSetAside;
+        if (s.code != 0 && !restore(files, s.suffix, found, aside)) s.code = kNotSetAside;
         if (s.code != 0) s.suffix.clear();
         velmio::platform::syncDirectory(line_);
     }
@@ -99,11 +99,15 @@ private:
     // Renames every file present, then copies back what the salvage reads:
     // the data file and an intact segment file.
     int setAside(const std::vector<std::wstring> &files, const std::wstring &suffix, bool segmentsIntact,
-                 std::vector<std::wstring> &aside) {
-        for (const std::wstring &f : files) {
-            if (!velmio::platform::pathExists(f.c_str())) continue;
-            if (!velmio::platform::renameFile(f.c_str(), (f + suffix).c_str())) return kNotSetAside;
-            aside.push_back(f);
+                 std::vector<bool> &found, std::vector<bool> &aside) {
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            found.push_back(velmio::platform::pathExists(files[i].c_str()));
+            aside.push_back(false);
+        }
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            if (!found[i]) continue;
+            if (!velmio::platform::renameFile(files[i].c_str(), (files[i] + suffix).c_str())) return kNotSetAside;
+            aside[i] = true;
         }
         if (velmio::platform::syncDirectory(line_) != 0) return kNotSetAside;
         if (!copyFile(files[0] + suffix, files[0])) return kNotSetAside;
@@ -111,18 +115,17 @@ private:
         return 0;
     }
 
-    // Puts the damaged files back where they were found; the repair's
-    // own files are removed when the damaged set had none of that name.
+    // Puts the damaged files back where they were found and removes what
+    // the repair made where nothing was; a file never set aside stays.
     static bool restore(const std::vector<std::wstring> &files, const std::wstring &suffix,
-                        const std::vector<std::wstring> &aside) {
+                        const std::vector<bool> &found, const std::vector<bool> &aside) {
         bool ok = true;
-        for (const std::wstring &f : files) {
-            bool wasThere = false;
-            for (const std::wstring &a : aside) wasThere = wasThere || a == f;
-            if (wasThere)
-                ok = velmio::platform::renameFile((f + suffix).c_str(), f.c_str()) && ok;
-            else if (velmio::platform::pathExists(f.c_str()))
-                ok = velmio::platform::removeFile(f.c_str()) && ok;
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            const wchar_t *f = files[i].c_str();
+            if (aside[i])
+                ok = velmio::platform::renameFile((files[i] + suffix).c_str(), f) && ok;
+            else if (!found[i] && velmio::platform::pathExists(f))
+                ok = velmio::platform::removeFile(f) && ok;
         }
         return ok;
     }
