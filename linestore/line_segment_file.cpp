@@ -3,6 +3,7 @@
 #include <velmio/encoding.h>
 #include <velmio/linestore.h>
 
+#include "encoding/rounding.h"
 #include "foundation/diagnostics.h"
 #include "platform/durable_replace.h"
 #include "platform/files.h"
@@ -25,6 +26,7 @@ int encodeExtent(const TOVO_Sensor &h, ExtentKind kind, double v) {
     case ExtentKind::Latitude: return TOVO_EncodePosition(v, h.referenceLatitude, h.positionScale);
     case ExtentKind::Longitude: return TOVO_EncodePosition(v, h.referenceLongitude, h.positionScale);
     case ExtentKind::Metres: return TOVO_EncodeMeters(v);
+    case ExtentKind::Thousandths: return truncToInt32(v * 1000.0);
     }
     return 0;
 }
@@ -36,6 +38,7 @@ double decodeExtent(const TOVO_Sensor &h, ExtentKind kind, int unit) {
     case ExtentKind::Latitude: return TOVO_DecodePosition(h.referenceLatitude, h.positionScale, unit);
     case ExtentKind::Longitude: return TOVO_DecodePosition(h.referenceLongitude, h.positionScale, unit);
     case ExtentKind::Metres: return TOVO_DecodeMeters(unit);
+    case ExtentKind::Thousandths: return unit / 1000.0;
     }
     return 0.0;
 }

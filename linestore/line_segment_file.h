@@ -12,8 +12,9 @@ namespace velmio {
 
 // How an extent travels: times against the reference time and time scale,
 // values through the handle's value encoder, latitudes and longitudes against
-// their reference positions and the position scale, metres as millimetres.
-enum class ExtentKind { Time, Value, Latitude, Longitude, Metres };
+// their reference positions and the position scale, metres as millimetres,
+// error estimates as thousandths truncated toward zero.
+enum class ExtentKind { Time, Value, Latitude, Longitude, Metres, Thousandths };
 
 int encodeExtent(const TOVO_Sensor &h, ExtentKind kind, double v);
 double decodeExtent(const TOVO_Sensor &h, ExtentKind kind, int unit);

@@ -23,6 +23,7 @@ constexpr std::size_t kNameArrayLength = 64;
 // Base of every family's own state hung on the handle.
 struct FamilyState {
     virtual ~FamilyState() = default;
+    const void *owner = nullptr;  // the family's description: recognises a handle without a cast
 };
 
 using ValueEncoder = int (*)(double);
@@ -66,13 +67,9 @@ struct TOVO_Sensor {
     char *dataBuffer = nullptr;  // the data file's 64 KiB stdio buffer; freed after the file is closed
     std::wstring tracePath;  // ids 9 and 10 only
     std::FILE *traceFile = nullptr;
-    velmio::xdr::XDR encodeStream;
-    velmio::xdr::XDR decodeStream;
-    // Summary words: status, record (or profile) count, and the family's
-    // words (beam count, tool types, coordinate type).
+    // Summary words every family has: status and record (or profile) count.
     std::uint32_t summaryStatus = 0;
     std::uint32_t recordCount = 0;
-    std::uint32_t familyWords[4] = {0, 0, 0, 0};
     // Summary extents; the simple sensor uses [0] time and [1] value.
     velmio::Extent extents[velmio::kMaxExtents];
     std::wstring segmentPath;
@@ -86,11 +83,6 @@ struct TOVO_Sensor {
     std::int32_t referenceTime = 0;     // minutes
     std::int32_t referenceLatitude = 0; // 1e-7 rad
     std::int32_t referenceLongitude = 0;
-    std::int32_t depthTimeScale = 1000; // the depth families' second scale
-    std::int32_t depthWord1 = 1;
-    std::int32_t depthWord2 = 1;
-    int firstRecordPending = 0;  // the two flags of the handle
-    int statusChanged = 0;
     std::uint8_t *shadowChanged = nullptr;  // update mode: record n uses [n]
     std::uint32_t *shadowStatus = nullptr;
     velmio::ValueEncoder encodeValue = nullptr;

@@ -1,24 +1,51 @@
 #include "sensors/line_salvage.h"
 
+#include <velmio/encoding.h>
 #include <velmio/linestore.h>
 
 #include "platform/files.h"
 #include "platform/stdio_file.h"
-#include "sensors/salvage_steps.h"
+#include "sensors/profile_cursor.h"
+#include "sensors/record_family.h"
 #include "sensors/simple_families.h"
 
 #include <cwchar>
+#include <memory>
 #include <new>
+#include <vector>
 
 namespace velmio {
 namespace {
 
-constexpr int kNoMemory = 5000009;
 constexpr int kNotFound = 5000046;
-constexpr int kCloseFailed = 5029107;
+constexpr int kSalvageCloseFailed = 5029107;
+
+struct Layout {
+    const EngineFamily *family = nullptr;
+    const ProfileFamily *profiles = nullptr;  // null: fixed-size records
+    int valueKind = 0;                        // simple sensor: 0 metres, 1 radians
+};
+
+bool lookUp(std::uint32_t id, Layout &out) {
+#define VELMIO_SIMPLE_LAYOUT(P, ID, KIND)             \
+    if (id == ID) {                                   \
+        out = {&simpleSensorRecords(), nullptr, KIND}; \
+        return true;                                  \
+    }
+    VELMIO_SIMPLE_FAMILIES(VELMIO_SIMPLE_LAYOUT)
+#undef VELMIO_SIMPLE_LAYOUT
+    const ProfileFamily *p = id == 4 || id == 53 ? &observedDepthsProfiles()
+                             : id == 30          ? &slantRangeProfiles()
+                             : id == 52          ? &tpeProfiles()
+                                                 : nullptr;
+    if (p) out = {p, p, 0};
+    else if (id == 3 || id == 12) out = {&navigationRecords(), nullptr, 0};  // navigation and its twin
+    else return false;
+    return true;
+}
 
 // The handle the salvage works through: SensorOpenDir's paths and data
-// file, without a family state; closed and freed however the salvage ends.
+// file, with no family state of its own; closed and freed however it ends.
 struct Handle {
     TOVO_Sensor *h = nullptr;
     ~Handle() {
@@ -28,15 +55,6 @@ struct Handle {
         SensorFree(h);
     }
 };
-
-bool coversExactly(const TOVO_Sensor &h, std::uint32_t records) {
-    std::uint32_t next = 1;
-    for (const _TOVO_LnSeg *s = h.firstSegment; s; s = s->next) {
-        if (s->firstRecord != next || s->lastRecord + 1 < s->firstRecord) return false;
-        next = s->lastRecord + 1;
-    }
-    return next == records + 1;
-}
 
 void dropSegments(TOVO_Sensor &h) {
     for (_TOVO_LnSeg *s = h.firstSegment; s;) {
@@ -48,15 +66,9 @@ void dropSegments(TOVO_Sensor &h) {
     h.segmentCount = 0;
 }
 
-void widenBy(Extent &e, const Extent &by) {
-    if (by.min < e.min) e.min = by.min;
-    if (by.max > e.max) e.max = by.max;
-}
-
-}  // namespace
-
-void loadSegments(TOVO_Sensor &h, const SegmentFileFormat &format, const SalvageOptions &options,
-                  SalvageReport &report) {
+// A segment file is intact when it reads and its segments follow one
+// another from record 1 to the last whole record.
+void loadSegments(TOVO_Sensor &h, const SegmentFileFormat &format, const SalvageOptions &options, SalvageReport &r) {
     int rc = kNotFound;
     if (platform::pathExists(h.segmentPath.c_str())) {
         try {
@@ -65,62 +77,186 @@ void loadSegments(TOVO_Sensor &h, const SegmentFileFormat &format, const Salvage
             rc = kNoMemory;
         }
     }
-    report.segmentsValid = rc == 0 && coversExactly(h, report.wholeRecords);
-    report.segmentsKept = report.segmentsValid && options.keepIntactSegments;
-    if (!report.segmentsKept) dropSegments(h);
-}
-
-SegmentCursor::SegmentCursor(TOVO_Sensor &h) : h_(h), at_(h.firstSegment) {
-    for (_TOVO_LnSeg *s = h.firstSegment; s; s = s->next)
-        for (Extent &e : s->extents) e = Extent{};
-    for (Extent &e : h.extents) e = Extent{};
-}
-
-void SegmentCursor::widen(std::uint32_t record, const Extent *bounds) {
-    while (at_ && at_->lastRecord < record) at_ = at_->next;
-    for (int k = 0; k < kMaxExtents; ++k) {
-        widenBy(h_.extents[k], bounds[k]);
-        if (at_) widenBy(at_->extents[k], bounds[k]);
+    std::uint32_t next = 1;
+    for (const _TOVO_LnSeg *s = h.firstSegment; rc == 0 && s; s = s->next) {
+        if (s->firstRecord != next || s->lastRecord + 1 < s->firstRecord) rc = kNotFound;
+        next = s->lastRecord + 1;
     }
+    r.segmentsValid = rc == 0 && next == r.wholeRecords + 1;
+    r.segmentsKept = r.segmentsValid && options.keepIntactSegments;
+    if (!r.segmentsKept) dropSegments(h);
 }
 
-IndexComparison::IndexComparison(TOVO_Sensor &h)
-    : h_(h), same_(platform::pathExists(h.timeIndexPath.c_str()) &&
-                   h.timeIndex.read(h.timeIndexPath.c_str(), h.typeId) == 0) {}
-
-void IndexComparison::record(std::uint32_t n, std::int32_t time, std::uint32_t offset) {
-    if (!same_) return;
-    const TOVO_TmIdxEntry *e = h_.timeIndex.entry(n);
-    same_ = e && e->encodedTime == time && e->byteOffset == offset;
+void widenBy(Extent &e, const Extent &by) {
+    if (by.min < e.min) e.min = by.min;
+    if (by.max > e.max) e.max = by.max;
 }
 
-bool IndexComparison::intact(std::uint32_t records) const {
-    return same_ && h_.timeIndex.entryCount() == records;
-}
-
-int writeSalvage(TOVO_Sensor &h, const SegmentFileFormat &format, TimeIndex &index, const SalvageOptions &options,
-                 SalvageReport &report, int writeFailed, const std::function<int()> &writeSummary) {
-    if (report.droppedBytes && !platform::truncateFile(h.dataFile, report.wholeBytes)) return writeFailed;
-    if (int rc = writeSummary()) return rc;
-    if (platform::syncFile(h.dataFile) != 0) return writeFailed;
-    // One segment stands for every record when the segment file is lost.
-    if (!report.segmentsKept && report.wholeRecords > 0) {
-        dropSegments(h);
-        if (int rc = beginSegment(h, options.recoveredSegmentName, 1)) return rc;
-        h.lastSegment->lastRecord = report.wholeRecords;
-        for (int k = 0; k < kMaxExtents; ++k) h.lastSegment->extents[k] = h.extents[k];
+// Walks the segments alongside the records: every bound starts empty and is
+// widened by each record's, the summary's and the record's segment's.
+class SegmentCursor {
+public:
+    explicit SegmentCursor(TOVO_Sensor &h) : h_(h), at_(h.firstSegment) {
+        for (_TOVO_LnSeg *s = h.firstSegment; s; s = s->next)
+            for (Extent &e : s->extents) e = Extent{};
+        for (Extent &e : h.extents) e = Extent{};
     }
-    report.segmentsWritten = h.segmentCount;
-    try {
-        if (int rc = writeLineSegmentFile(h, format)) return rc;
-    } catch (const std::bad_alloc &) {
-        return kNoMemory;
+    void widen(std::uint32_t record, const Extent *bounds) {
+        while (at_ && at_->lastRecord < record) at_ = at_->next;
+        for (int k = 0; k < kMaxExtents; ++k) {
+            widenBy(h_.extents[k], bounds[k]);
+            if (at_) widenBy(at_->extents[k], bounds[k]);
+        }
     }
-    h.timeIndex = std::move(index);
-    return h.timeIndex.write(h.timeIndexPath.c_str(), h.typeId, h.formatVersion);
+
+private:
+    TOVO_Sensor &h_;
+    _TOVO_LnSeg *at_;
+};
+
+// Words of a record, header or beam at offset; false past the end of the file.
+bool wordsAt(EngineState &s, std::uint64_t offset, unsigned bytes, std::uint32_t *words) {
+    const unsigned char *p = s.window.at(*s.source, offset, bytes);
+    if (!p) return false;
+    for (unsigned i = 0; i < bytes / 4; ++i) words[i] = loadBe32(p + 4 * i);
+    return true;
 }
 
-bool canSalvage(std::uint32_t typeId) { return hasRecordLayout(typeId) || hasProfileLayout(typeId); }
+class Salvage {
+public:
+    Salvage(TOVO_Sensor &h, EngineState &s, const Layout &layout, const SalvageOptions &options, SalvageReport &r)
+        : h_(h), s_(s), f_(*layout.family), profiles_(layout.profiles), options_(options), r_(r) {}
+
+    int run() {
+        // Words that do not decode stay zero, which no usable summary holds.
+        h_.timeScale = h_.positionScale = s_.depthTimeScale = 0;
+        r_.summaryValid = readSummary(h_, s_) == 0;
+        for (int i = 0; i < f_.summaryWordCount; ++i) {
+            const SummaryWord w = f_.summary[i].word;
+            if ((w == SummaryWord::TimeScale && h_.timeScale <= 0) ||
+                (w == SummaryWord::PositionScale && h_.positionScale <= 0) ||
+                (w == SummaryWord::DepthTimeScale && s_.depthTimeScale <= 0))
+                return kSalvageNoReferences;
+        }
+        if (h_.timeScale <= 0) return kSalvageNoReferences;
+        r_.summaryRecords = h_.recordCount;
+        r_.summaryEnd = f_.dataStart() + std::uint64_t{h_.recordCount} * s_.geometry.headerBytes +
+                        std::uint64_t{s_.itemCount} * s_.geometry.itemBytes;
+        findWholeRecords();
+        if (options_.tailOnly) return 0;
+        loadSegments(h_, f_.segments, options_, r_);
+        if (int rc = walk()) return rc;
+        return options_.dryRun ? 0 : write();
+    }
+
+private:
+    // Records are whole when they, and every beam a profile header
+    // declares, are in the file; the first that is not ends the line.
+    // Offsets are 32-bit in the time index: what lies beyond cannot be indexed.
+    void findWholeRecords() {
+        const RecordGeometry &g = s_.geometry;
+        std::uint64_t offset = f_.dataStart();
+        if (options_.tailOnly && r_.summaryValid) {
+            offset = r_.summaryEnd;
+            r_.wholeRecords = r_.summaryRecords;
+            r_.beams = s_.itemCount;
+        }
+        std::uint32_t header[kMaxRecordWords] = {};
+        while (offset <= 0xFFFFFFFFu && r_.wholeRecords < 0xFFFFFFFFu && wordsAt(s_, offset, g.headerBytes, header)) {
+            const std::uint32_t beams = profiles_ ? beamCount(header) : 0;
+            const std::uint64_t end = offset + g.headerBytes + std::uint64_t{beams} * g.itemBytes;
+            if (end > r_.dataBytes) break;
+            offsets_.push_back(static_cast<std::uint32_t>(offset));
+            ++r_.wholeRecords;
+            r_.beams += beams;
+            offset = end;
+        }
+        r_.wholeBytes = offset;
+        r_.droppedBytes = r_.dataBytes - offset;
+    }
+
+    std::uint32_t beamCount(const std::uint32_t *header) const {
+        return s_.geometry.countOnlyLayout ? header[1] : header[1] >> 16;
+    }
+
+    // The time index entries and every bound, from the records; an existing
+    // index is intact when it maps exactly the records found.
+    int walk() {
+        const RecordGeometry &g = s_.geometry;
+        bool sameIndex = platform::pathExists(h_.timeIndexPath.c_str()) &&
+                         h_.timeIndex.read(h_.timeIndexPath.c_str(), h_.typeId) == 0 &&
+                         h_.timeIndex.entryCount() == r_.wholeRecords;
+        SegmentCursor cursor(h_);
+        std::uint32_t header[kMaxRecordWords] = {}, beam[kMaxRecordWords] = {};
+        for (std::uint32_t n = 1; n <= r_.wholeRecords; ++n) {
+            const std::uint32_t at = offsets_[n - 1];
+            if (!wordsAt(s_, at, g.headerBytes, header)) return f_.code(kReadFailed);
+            // Records: status, time, then the extents' units in order.
+            // Profiles: status, layout, time, and the bounds from the beams.
+            const auto time = static_cast<std::int32_t>(profiles_ ? header[2] : header[1]);
+            const TOVO_TmIdxEntry *e = sameIndex ? h_.timeIndex.entry(n) : nullptr;
+            sameIndex = e && e->encodedTime == time && e->byteOffset == at;
+            if (index_.append(time, at) != 0) return kNoMemory;
+            Extent bounds[kMaxExtents];
+            if (!profiles_) {
+                for (int k = 0; k < f_.segments.extentCount; ++k) {
+                    const double v = decodeExtent(h_, f_.segments.kinds[k], static_cast<std::int32_t>(header[1 + k]));
+                    bounds[k] = {v, v};
+                }
+            } else {
+                auto &ps = static_cast<ProfileState &>(s_);
+                ProfileHeader parsed;
+                parseHeader(h_, ps, header, parsed);
+                ps.profileTime = parsed.time;
+                if (profiles_->headerTimeBound) bounds[0] = {parsed.time, parsed.time};
+                std::uint64_t beamAt = std::uint64_t{at} + g.headerBytes;
+                for (std::uint32_t b = 0; b < parsed.beamCount; ++b, beamAt += g.itemBytes) {
+                    if (!wordsAt(s_, beamAt, g.itemBytes, beam)) return f_.code(kReadFailed);
+                    profiles_->widenByBeam(ps, beam, bounds);
+                }
+            }
+            cursor.widen(n, bounds);
+        }
+        r_.timeIndexValid = sameIndex;
+        return 0;
+    }
+
+    // The data file cut to its whole records and pushed to the disk with its
+    // summary, then the segment file (the kept segments, or one recovered
+    // segment) and the time index.
+    int write() {
+        h_.recordCount = r_.wholeRecords;
+        s_.itemCount = static_cast<std::uint32_t>(r_.beams);
+        if (r_.droppedBytes && !platform::truncateFile(h_.dataFile, r_.wholeBytes)) return f_.code(kWriteFailed);
+        if (int rc = writeSummaryBlock(h_, s_)) return rc;
+        if (platform::syncFile(h_.dataFile) != 0) return f_.code(kWriteFailed);
+        if (!r_.segmentsKept && r_.wholeRecords > 0) {
+            if (int rc = beginSegment(h_, options_.recoveredSegmentName, 1)) return rc;
+            h_.lastSegment->lastRecord = r_.wholeRecords;
+            for (int k = 0; k < kMaxExtents; ++k) h_.lastSegment->extents[k] = h_.extents[k];
+        }
+        r_.segmentsWritten = h_.segmentCount;
+        if (int rc = writeSegments(h_, s_)) return rc;
+        h_.timeIndex = std::move(index_);
+        return h_.timeIndex.write(h_.timeIndexPath.c_str(), h_.typeId, h_.formatVersion);
+    }
+
+    TOVO_Sensor &h_;
+    EngineState &s_;
+    const EngineFamily &f_;
+    const ProfileFamily *profiles_;
+    const SalvageOptions &options_;
+    SalvageReport &r_;
+    std::vector<std::uint32_t> offsets_;  // of the whole records
+    TimeIndex index_;
+};
+
+}  // namespace
+
+bool canSalvage(std::uint32_t typeId) {
+    Layout layout;
+    return lookUp(typeId, layout);
+}
 
 const std::uint32_t *salvageTypeIds(std::size_t &count) {
 #define VELMIO_SIMPLE_ID(P, ID, KIND) ID,
@@ -142,22 +278,28 @@ int salvageLine(const wchar_t *lineDirectory, std::uint32_t typeId, const Salvag
                 SalvageReport &report) {
     report = SalvageReport{};
     report.typeId = typeId;
-    if (!canSalvage(typeId)) return kSalvageUnknownFamily;
+    Layout layout;
+    if (!lookUp(typeId, layout)) return kSalvageUnknownFamily;
     int rc = 0;
     Handle handle;
-    handle.h = SensorOpenDir(lineDirectory, typeId, options.dryRun || options.tailOnly ? L"query" : L"update", &rc);
+    const bool readOnly = options.dryRun || options.tailOnly;
+    handle.h = SensorOpenDir(lineDirectory, typeId, readOnly ? L"query" : L"update", &rc);
     if (!handle.h) return rc;
     TOVO_Sensor &h = *handle.h;
+    h.encodeValue = layout.valueKind ? TOVO_EncodeRadians : TOVO_EncodeMeters;
+    h.decodeValue = layout.valueKind ? TOVO_DecodeRadians : TOVO_DecodeMeters;
     const std::int64_t size = platform::fileSize(h.dataFile);
     if (size < 0) return kSalvageNoReferences;
     report.dataBytes = static_cast<std::uint64_t>(size);
     try {
-        rc = hasRecordLayout(typeId) ? salvageRecords(h, typeId, options, report)
-                                     : salvageProfiles(h, typeId, options, report);
+        std::unique_ptr<EngineState> state(layout.profiles ? new ProfileState(*layout.profiles)
+                                                           : new EngineState(*layout.family));
+        state->source.reset(new FileSource(fileno(h.dataFile)));
+        rc = Salvage(h, *state, layout, options, report).run();
     } catch (const std::bad_alloc &) {
         rc = kNoMemory;
     }
-    if (platform::closeFile(h.dataFile) != 0 && rc == 0) rc = kCloseFailed;
+    if (platform::closeFile(h.dataFile) != 0 && rc == 0) rc = kSalvageCloseFailed;
     h.dataFile = nullptr;
     return rc;
 }

@@ -2,8 +2,8 @@
 // data file holds: summary, time index and line segment file are rebuilt
 // from the records (the references are taken from the summary block, which
 // a create handle writes as soon as its first record fixes them), and a
-// partial record or profile at the end is cut off. The families' own tables
-// say how records are laid out and how their bounds are decoded.
+// partial record or profile at the end is cut off. The families' engine
+// tables say how records are laid out and how their bounds are decoded.
 #ifndef VELMIO_SENSORS_LINE_SALVAGE_H
 #define VELMIO_SENSORS_LINE_SALVAGE_H
 

@@ -13,18 +13,27 @@
 namespace velmio {
 namespace {
 
-using namespace xdr;
-
-constexpr int kNullHandle = 5000112;
-constexpr int kWrongType = 5000113;
+constexpr int kNullHandleCode = 5000112;
+constexpr int kWrongTypeCode = 5000113;
 
 constexpr SummaryField kSummary[] = {
-    {SummaryWord::Status, 0},        {SummaryWord::RecordCount, 0},       {SummaryWord::TimeScale, 0},
-    {SummaryWord::ReferenceTime, 0}, {SummaryWord::ExtentMin, 0},         {SummaryWord::ExtentMax, 0},
-    {SummaryWord::FamilyWord0, 0},   {SummaryWord::PositionScale, 0},     {SummaryWord::ReferenceLatitude, 0},
-    {SummaryWord::ExtentMin, 1},     {SummaryWord::ExtentMax, 1},         {SummaryWord::ReferenceLongitude, 0},
-    {SummaryWord::ExtentMin, 2},     {SummaryWord::ExtentMax, 2},
+    {SummaryWord::Status},
+    {SummaryWord::RecordCount},
+    {SummaryWord::TimeScale},
+    {SummaryWord::ReferenceTime},
+    {SummaryWord::ExtentMin, 0, ExtentKind::Time},
+    {SummaryWord::ExtentMax, 0, ExtentKind::Time},
+    {SummaryWord::FamilyWord0},  // the coordinate type
+    {SummaryWord::PositionScale},
+    {SummaryWord::ReferenceLatitude},
+    {SummaryWord::ExtentMin, 1, ExtentKind::Latitude},
+    {SummaryWord::ExtentMax, 1, ExtentKind::Latitude},
+    {SummaryWord::ReferenceLongitude},
+    {SummaryWord::ExtentMin, 2, ExtentKind::Longitude},
+    {SummaryWord::ExtentMax, 2, ExtentKind::Longitude},
 };
+constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
+static_assert(kSummaryWords <= kMaxSummaryWords, "the summary buffer holds the summary");
 
 // The texts callers have always seen, trailing blanks included.
 constexpr const char *kSummaryMessages[] = {
@@ -64,21 +73,28 @@ constexpr platform::OpenFailureCodes kSegmentOpenCodes = {5000132, 5000133, 5000
 constexpr ExtentKind kKinds[kMaxExtents] = {ExtentKind::Time, ExtentKind::Latitude, ExtentKind::Longitude};
 
 constexpr std::uint32_t kRecordBytes = 20;  // status, time, latitude, longitude, metres
-static_assert(kRecordBytes <= RecordState::kMaxRecordBytes, "the record buffer holds a record");
+static_assert(kRecordBytes <= kMaxRecordBytes, "the record buffer holds a record");
 
 const RecordFamily kNavigationRecords = {
-    1,
-    kRecordBytes,
-    14,
-    kSummary,
-    kSummaryMessages,
-    {3, {kKinds[0], kKinds[1], kKinds[2]}, 5000101, &kSegmentOpenCodes, 5000103, 5000102, 5000126,
-     "NavigationReadLineSegmentFile(): could not decode the data stream \n",
-     "NavigationReadLineSegmentFile(): could not allocate line segment\n",
-     "NavigationReadLineSegmentFile(): fclose() failed for line segment file \n", kSegmentMessages},
-    5000106,
-    "NavigationReadSummary(): could not validate header \n",
-    "NavigationReadSummary(): unable to decode header \n",
+    {
+        5000100,
+        1,  // format version written
+        {kRecordBytes, 0, false},
+        {0, 0, false},
+        kSummaryWords,
+        kSummary,
+        kSummaryMessages,
+        {3, {kKinds[0], kKinds[1], kKinds[2]}, 5000101, &kSegmentOpenCodes, 5000103, 5000102, 5000126,
+         "NavigationReadLineSegmentFile(): could not decode the data stream \n",
+         "NavigationReadLineSegmentFile(): could not allocate line segment\n",
+         "NavigationReadLineSegmentFile(): fclose() failed for line segment file \n", kSegmentMessages},
+        5000106,
+        "NavigationReadSummary(): could not validate header \n",
+        kReadFailed,
+        "NavigationReadSummary(): unable to decode header \n",
+        5000114,
+        5000105,
+    },
     {"NavigationReadStatusShadow(): unable to allocate navigation sensor \n",
      "NavigationReadStatusShadow(): could not map time to index\n", "NavigationReadStatusShadow(): fseek() failed\n",
      "NavigationReadStatusShadow(): fread() failed\n", "NavigationReadStatusShadow(): initialization failed \n"},
@@ -86,16 +102,23 @@ const RecordFamily kNavigationRecords = {
 
 // The twin reads its files with the same steps and codes, silently.
 const RecordFamily kSSSNavigationRecords = {
-    1,
-    kRecordBytes,
-    14,
-    kSummary,
-    nullptr,
-    {3, {kKinds[0], kKinds[1], kKinds[2]}, 5000101, &kSegmentOpenCodes, 5000103, 5000102, 5000126, nullptr,
-     nullptr, nullptr, nullptr},
-    5000106,
-    nullptr,
-    nullptr,
+    {
+        5000100,
+        1,
+        {kRecordBytes, 0, false},
+        {0, 0, false},
+        kSummaryWords,
+        kSummary,
+        nullptr,
+        {3, {kKinds[0], kKinds[1], kKinds[2]}, 5000101, &kSegmentOpenCodes, 5000103, 5000102, 5000126, nullptr,
+         nullptr, nullptr, nullptr},
+        5000106,
+        nullptr,
+        kReadFailed,
+        nullptr,
+        5000114,
+        5000105,
+    },
     {nullptr, nullptr, nullptr, nullptr, nullptr},
 };
 
@@ -144,21 +167,21 @@ const NavigationFamily kNavigation = {
     L"Navigation",
     kNavigationRecords,
     {
-        {"NavigationClose(): invalid sensor type\n", kWrongType},
-        {"NavigationSummary(): invalid sensor type \n", kWrongType},
-        {nullptr, kNullHandle},
-        {"NavigationRead(): invalid sensor type\n", kWrongType},
-        {"NavigationReadSeq(): invalid sensor type\n", kWrongType},
-        {"NavigationBgnSeqWriteSummary(): invalid sensor type\n", kWrongType},
-        {"NavigationBgnSeqWriteLineSegment(): invalid sensor type\n", kWrongType},
-        {"NavigationSeqWrite(): invalid sensor type\n", kWrongType},
-        {"NavigationEndWriteLineSegment(): invalid sensor type\n", kWrongType},
-        {"NavigationEndSeqWriteSummary(): invalid sensor type\n", kWrongType},
-        {"NavigationSetSummaryStatus(): invalid sensor type\n", kWrongType},
-        {"NavigationSetLineSegmentStatus(): invalid sensor type\n", kWrongType},
-        {"NavigationGetRecordStatus(): invalid sensor type\n", kWrongType},
-        {"NavigationSetRecordStatus(): invalid sensor type\n", kWrongType},
-        {nullptr, kNullHandle},
+        {"NavigationClose(): invalid sensor type\n", kWrongTypeCode},
+        {"NavigationSummary(): invalid sensor type \n", kWrongTypeCode},
+        {nullptr, kNullHandleCode},
+        {"NavigationRead(): invalid sensor type\n", kWrongTypeCode},
+        {"NavigationReadSeq(): invalid sensor type\n", kWrongTypeCode},
+        {"NavigationBgnSeqWriteSummary(): invalid sensor type\n", kWrongTypeCode},
+        {"NavigationBgnSeqWriteLineSegment(): invalid sensor type\n", kWrongTypeCode},
+        {"NavigationSeqWrite(): invalid sensor type\n", kWrongTypeCode},
+        {"NavigationEndWriteLineSegment(): invalid sensor type\n", kWrongTypeCode},
+        {"NavigationEndSeqWriteSummary(): invalid sensor type\n", kWrongTypeCode},
+        {"NavigationSetSummaryStatus(): invalid sensor type\n", kWrongTypeCode},
+        {"NavigationSetLineSegmentStatus(): invalid sensor type\n", kWrongTypeCode},
+        {"NavigationGetRecordStatus(): invalid sensor type\n", kWrongTypeCode},
+        {"NavigationSetRecordStatus(): invalid sensor type\n", kWrongTypeCode},
+        {nullptr, kNullHandleCode},
     },
 };
 
@@ -167,21 +190,21 @@ const NavigationFamily kSSSNavigation = {
     L"SSSNavigation",
     kSSSNavigationRecords,
     {
-        {nullptr, kWrongType},
-        {"SSSNavigationSummary(): invalid sensor type\n", kWrongType},
-        {"SSSNavigationLineSegment(): invalid sensor type\n", kWrongType},
-        {"SSSNavigationRead(): invalid sensor type\n", kWrongType},
-        {"SSSNavigationReadSeq(): invalid sensor type\n", kWrongType},
-        {"SSSNavigationBgnSeqWriteSummary(): invalid sensor type\n", kWrongType},
-        {"SSSNavigationBgnSeqWriteLineSegment(): invalid sensor type\n", kWrongType},
-        {"SSSNavigationSeqWrite(): invalid sensor type\n", kWrongType},
-        {"SSSNavigationEndSeqWriteLineSegment(): invalid sensor type\n", kWrongType},
-        {"SSSNavigationEndSeqWriteSummary(): invalid sensor type\n", kWrongType},
+        {nullptr, kWrongTypeCode},
+        {"SSSNavigationSummary(): invalid sensor type\n", kWrongTypeCode},
+        {"SSSNavigationLineSegment(): invalid sensor type\n", kWrongTypeCode},
+        {"SSSNavigationRead(): invalid sensor type\n", kWrongTypeCode},
+        {"SSSNavigationReadSeq(): invalid sensor type\n", kWrongTypeCode},
+        {"SSSNavigationBgnSeqWriteSummary(): invalid sensor type\n", kWrongTypeCode},
+        {"SSSNavigationBgnSeqWriteLineSegment(): invalid sensor type\n", kWrongTypeCode},
+        {"SSSNavigationSeqWrite(): invalid sensor type\n", kWrongTypeCode},
+        {"SSSNavigationEndSeqWriteLineSegment(): invalid sensor type\n", kWrongTypeCode},
+        {"SSSNavigationEndSeqWriteSummary(): invalid sensor type\n", kWrongTypeCode},
         {nullptr, 5000122},
-        {"SSSNavigationSetLineSegmentStatus(): invalid sensor type\n", kWrongType},
-        {"SSSNavigationGetRecordStatus(): invalid sensor type\n", kWrongType},
-        {"SSSNavigationSetRecordStatus(): invalid sensor type\n", kWrongType},
-        {"SSSNavigationSaveStatusToDisk(): invalid sensor type\n", kWrongType},
+        {"SSSNavigationSetLineSegmentStatus(): invalid sensor type\n", kWrongTypeCode},
+        {"SSSNavigationGetRecordStatus(): invalid sensor type\n", kWrongTypeCode},
+        {"SSSNavigationSetRecordStatus(): invalid sensor type\n", kWrongTypeCode},
+        {"SSSNavigationSaveStatusToDisk(): invalid sensor type\n", kWrongTypeCode},
     },
 };
 
@@ -203,13 +226,13 @@ bool modeAllows(const TOVO_Sensor &h, Needs needs) {
 // The common checks, in their order: null handle, sensor type, access
 // mode, family state.
 int check(const NavigationFamily &f, Operation op, TOVO_Sensor *h, NavigationState *&state) {
-    if (!h) return kNullHandle;
+    if (!h) return kNullHandleCode;
     if (h->typeId != f.typeId) {
         if (f.wrongType[op].message) say("%s", f.wrongType[op].message);
         return f.wrongType[op].code;
     }
     if (!modeAllows(*h, kNeeds[op])) return f.records.code(kWrongMode);
-    state = dynamic_cast<NavigationState *>(h->familyState);
+    state = stateOf<NavigationState>(h, f.records);
     return state ? 0 : kMissingOutput;
 }
 
@@ -240,7 +263,7 @@ TOVO_Sensor *openDir(const NavigationFamily &f, const wchar_t *lineDirectory, co
     }
     rc = openRecordFamily(h, state);
     if (rc != 0) return nullptr;
-    if (isCreate(*h)) h->familyWords[0] = 1;  // the coordinate type of a writer that never sets one
+    if (isCreate(*h)) state->familyWords[0] = 1;  // the coordinate type of a writer that never sets one
     return h;
 }
 
@@ -257,7 +280,7 @@ int summary(const NavigationFamily &f, TOVO_Sensor *h, unsigned int *segmentCoun
     if (int rc = check(f, kSummaryOp, h, s)) return rc;
     if (segmentCount) *segmentCount = h->segmentCount;
     if (recordCount) *recordCount = h->recordCount;
-    if (coordinateType) *coordinateType = h->familyWords[0];
+    if (coordinateType) *coordinateType = s->familyWords[0];
     if (minTime) *minTime = h->extents[0].min;
     if (maxTime) *maxTime = h->extents[0].max;
     if (minLatitude) *minLatitude = h->extents[1].min;
@@ -321,7 +344,7 @@ int readSeq(const NavigationFamily &f, TOVO_Sensor *h, double *time, double *lat
 int bgnSeqWriteSummary(const NavigationFamily &f, TOVO_Sensor *h, unsigned int coordinateType) {
     NavigationState *s = nullptr;
     if (int rc = check(f, kBgnSeqWriteSummary, h, s)) return rc;
-    h->familyWords[0] = coordinateType;
+    s->familyWords[0] = coordinateType;
     return 0;
 }
 
@@ -349,11 +372,12 @@ int readRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int first, uns
 // Appends one record; the per-record and the bulk write share it byte for byte.
 int writeRecord(TOVO_Sensor *h, NavigationState *s, double time, double latitude, double longitude, double metres,
                 unsigned int status) {
-    if (h->firstRecordPending) {
+    const bool first = s->firstRecordPending;
+    if (first) {
         h->referenceTime = TOVO_EncodeRefTime(time);
         h->referenceLatitude = TOVO_EncodeRefPosition(latitude);
         h->referenceLongitude = TOVO_EncodeRefPosition(longitude);
-        h->firstRecordPending = 0;
+        s->firstRecordPending = false;
     }
     // Counted before anything can fail: a failed write still counts.
     ++h->recordCount;
@@ -368,7 +392,7 @@ int writeRecord(TOVO_Sensor *h, NavigationState *s, double time, double latitude
     const double values[3] = {time, latitude, longitude};
     widenExtents(*h, values, 3);
     ++s->written;
-    return 0;
+    return first ? referencesFixed(*h, *s) : 0;
 }
 
 int seqWrite(const NavigationFamily &f, TOVO_Sensor *h, double time, double latitude, double longitude,
@@ -430,7 +454,7 @@ int getRecordStatus(const NavigationFamily &f, TOVO_Sensor *h, unsigned int n, u
 int setRecordStatusOf(const NavigationFamily &f, TOVO_Sensor *h, unsigned int n, unsigned int status) {
     NavigationState *s = nullptr;
     if (int rc = check(f, kSetRecordStatus, h, s)) return rc;
-    return setRecordStatus(*h, f.records, n, status);
+    return setRecordStatus(*h, *s, n, status);
 }
 
 int saveStatus(const NavigationFamily &f, TOVO_Sensor *h) {

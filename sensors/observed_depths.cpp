@@ -18,52 +18,46 @@ constexpr std::uint32_t kRejectionMask = VELMIO_OBSERVED_DEPTHS_REJECTION_MASK;
 constexpr int kTime = 0;   // extents of the handle and of each segment
 constexpr int kDepth = 1;
 
-// Summary units: status, tool type, profiles, beams, time scale, depth time
-// scale, reference time, min/max time, min/max depth.
-void summaryToWords(const TOVO_Sensor &h, std::uint32_t *w) {
-    w[0] = h.summaryStatus;
-    w[1] = h.familyWords[1];
-    w[2] = h.recordCount;
-    w[3] = h.familyWords[0];
-    w[4] = asWord(h.timeScale);
-    w[5] = asWord(h.depthTimeScale);
-    w[6] = asWord(h.referenceTime);
-    w[7] = asWord(TOVO_EncodeTime(h.extents[kTime].min, h.referenceTime, h.timeScale));
-    w[8] = asWord(TOVO_EncodeTime(h.extents[kTime].max, h.referenceTime, h.timeScale));
-    w[9] = asWord(TOVO_EncodeMeters(h.extents[kDepth].min));
-    w[10] = asWord(TOVO_EncodeMeters(h.extents[kDepth].max));
-}
+constexpr SummaryField kSummary[] = {
+    {SummaryWord::Status},
+    {SummaryWord::FamilyWord0},  // tool type
+    {SummaryWord::RecordCount},
+    {SummaryWord::ItemCount},
+    {SummaryWord::TimeScale},
+    {SummaryWord::DepthTimeScale},
+    {SummaryWord::ReferenceTime},
+    {SummaryWord::ExtentMin, kTime, ExtentKind::Time},
+    {SummaryWord::ExtentMax, kTime, ExtentKind::Time},
+    {SummaryWord::ExtentMin, kDepth, ExtentKind::Metres},
+    {SummaryWord::ExtentMax, kDepth, ExtentKind::Metres},
+};
+constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
+static_assert(kSummaryWords <= kMaxSummaryWords && 24 <= kMaxRecordBytes, "the engine's buffers hold these records");
 
-bool summaryFromWords(TOVO_Sensor &h, const std::uint32_t *w) {
-    if (asSigned(w[4]) <= 0 || asSigned(w[5]) <= 0) return false;
-    h.summaryStatus = w[0];
-    h.familyWords[1] = w[1];
-    h.recordCount = w[2];
-    h.familyWords[0] = w[3];
-    h.timeScale = asSigned(w[4]);
-    h.depthTimeScale = asSigned(w[5]);
-    h.referenceTime = asSigned(w[6]);
-    h.extents[kTime] = {TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[7])),
-                        TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[8]))};
-    h.extents[kDepth] = {TOVO_DecodeMeters(asSigned(w[9])), TOVO_DecodeMeters(asSigned(w[10]))};
-    return true;
-}
-
-void widenByBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w, Extent *extents);
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents);
 
 const ProfileFamily kObservedDepths = {
+    {
+        5000200,                // code block
+        2,                      // format version written
+        {20, 16, false},        // header and beam bytes
+        {20, 24, true},         // version 1: beam count only, 24-byte beams
+        kSummaryWords,
+        kSummary,
+        nullptr,
+        {2, {ExtentKind::Time, ExtentKind::Metres}, 5000201, nullptr, 5000203, 5000202, 5000226, nullptr, nullptr,
+         nullptr, nullptr},
+        5000206,                // a validation record that does not match
+        nullptr,
+        kSummaryInvalid,        // a short summary
+        nullptr,
+        5000214,                // time index not written
+        0,
+    },
     4,                          // type (ObservedDepthsNew is recorded as 4 too)
-    5000200,                    // code block
-    44, 20, 16,                 // summary, header, beam bytes
-    2,                          // format version written
-    kOutOfRange, kSummaryInvalid,
-    {20, 24, true},             // version 1: beam count only, 24-byte beams
-    5000214,                    // time index not written
+    kOutOfRange,
     true,                       // family state checked before the type
-    summaryToWords, summaryFromWords,
-    {2, {ExtentKind::Time, ExtentKind::Metres}, 5000201, nullptr, 5000203, 5000202, 5000226, nullptr, nullptr,
-     nullptr, nullptr},
-    false,  // time bounds come from the beams only
+    false,                      // time bounds come from the beams only
     widenByBeam,
 };
 
@@ -85,7 +79,7 @@ struct Beam {
     std::uint32_t status;
 };
 
-Beam decodeBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w) {
+Beam decodeBeam(const ProfileState &s, const std::uint32_t *w) {
     Beam b;
     b.depth = TOVO_DecodeMeters(asSigned(w[1]));
     b.x = TOVO_DecodeMeters(asSigned(w[2]));
@@ -93,18 +87,18 @@ Beam decodeBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t
     if (s.geometry.countOnlyLayout) {
         // Version 1: the whole first unit is status, the offset has its own.
         b.status = w[0];
-        b.time = TOVO_DecodeDepthTime(s.profileTime, h.depthTimeScale, asSigned(w[4]));
+        b.time = TOVO_DecodeDepthTime(s.profileTime, s.depthTimeScale, asSigned(w[4]));
         b.extra = TOVO_DecodeMeters(asSigned(w[5]));
     } else {
         b.status = w[0] & 0xFFFF0000u;
-        b.time = beamTime(h, s.profileTime, w[0]);
+        b.time = beamTime(s, s.profileTime, w[0]);
         b.extra = 0.0;
     }
     return b;
 }
 
-void widenByBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w, Extent *extents) {
-    const Beam b = decodeBeam(h, s, w);
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    const Beam b = decodeBeam(s, w);
     extents[kTime].widen(b.time);
     extents[kDepth].widen(b.depth);
 }
@@ -134,7 +128,7 @@ constexpr int kVersion1 = 1;
 
 int enterEdit(TOVO_Sensor *h, std::uint32_t profile, ProfileState *&s) {
     if (const int rc = enter(h, kAnyMode, s)) return rc;
-    if (s->formatVersion < 2) return kVersion1;
+    if (h->formatVersion < 2) return kVersion1;
     if (!modeAllowed(*h, kUpdateMode)) return kObservedDepths.code(kWrongMode);
     if (!inRange(profile, h->recordCount)) return kObservedDepths.code(kOutOfRange);
     return 0;
@@ -186,10 +180,10 @@ VELMIO_API int ObservedDepthsSummary(TOVO_Sensor *handle, unsigned int *toolType
                                      double *maxTime, double *minDepth, double *maxDepth, unsigned int *status) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    if (toolType) *toolType = handle->familyWords[1];
+    if (toolType) *toolType = s->familyWords[0];
     if (numberOfLineSegments) *numberOfLineSegments = handle->segmentCount;
     if (numberOfProfiles) *numberOfProfiles = handle->recordCount;
-    if (numberOfBeams) *numberOfBeams = handle->familyWords[0];
+    if (numberOfBeams) *numberOfBeams = s->itemCount;
     if (minTime) *minTime = handle->extents[kTime].min;
     if (maxTime) *maxTime = handle->extents[kTime].max;
     if (minDepth) *minDepth = handle->extents[kDepth].min;
@@ -238,7 +232,7 @@ VELMIO_API int ObservedDepthsRead(TOVO_Sensor *handle, unsigned int profileNumbe
     if (!inRange(profileNumber, handle->recordCount)) return kObservedDepths.code(kOutOfRange);
     std::uint32_t words[kMaxRecordWords];
     if (const int rc = readBeam(*handle, *s, profileNumber, beamNumber, words, kOutOfRange)) return rc;
-    fillBeam(decodeBeam(*handle, *s, words), time, y, x, depth, extra, status);
+    fillBeam(decodeBeam(*s, words), time, y, x, depth, extra, status);
     return 0;
 }
 
@@ -260,7 +254,7 @@ VELMIO_API int ObservedDepthsReadSeq(TOVO_Sensor *handle, double *time, double *
     if (!time || !y || !x || !depth || !extra || !status) return -1;
     std::uint32_t words[kMaxRecordWords];
     if (const int rc = readBeamSeq(*handle, *s, words)) return rc;
-    fillBeam(decodeBeam(*handle, *s, words), time, y, x, depth, extra, status);
+    fillBeam(decodeBeam(*s, words), time, y, x, depth, extra, status);
     return 0;
 }
 
@@ -313,7 +307,7 @@ VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y
                                       double /*reserved1*/, double /*reserved2*/, unsigned int status) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    const std::uint32_t words[4] = {statusAndOffset(*handle, *s, time, status), asWord(TOVO_EncodeMeters(depth)),
+    const std::uint32_t words[4] = {statusAndOffset(*s, time, status), asWord(TOVO_EncodeMeters(depth)),
                                     asWord(TOVO_EncodeMeters(x)), asWord(TOVO_EncodeMeters(y))};
     if (const int rc = writeBeam(*handle, *s, words, time)) return rc;
     handle->extents[kDepth].widen(depth);
@@ -415,7 +409,7 @@ VELMIO_API int ObservedDepthsUpdateXYZStatus(TOVO_Sensor *handle, unsigned int p
 VELMIO_API int ObservedDepthsSaveStatusToDisk(TOVO_Sensor *handle) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kUpdateMode, s)) return rc;
-    if (writeSummary(*handle, *s) != 0) return kObservedDepths.code(kSummaryNotEncoded);
+    if (writeSummaryBlock(*handle, *s) != 0) return kObservedDepths.code(kSummaryNotWritten);
     try {
         if (const int rc = writeLineSegmentFile(*handle, kObservedDepths.segments)) return rc;
     } catch (const std::bad_alloc &) {

@@ -1,56 +1,21 @@
-// What the profile families (observed depths, slant range, total propagated
-// error) have in common: a data file of a summary and pings, each ping a
-// profile header followed by its beam records, one time index entry per
-// header. One implementation positions on a beam, caches the header of the
-// profile in hand, writes profiles and beams, and opens and closes the files;
-// each family describes itself (type, code block, record sizes, summary
-// words) in a ProfileFamily table and keeps its own codes.
+// The profile layout of the record engine (observed depths, slant range,
+// total propagated error): each ping a profile header followed by as many
+// beam records as the header counts, one time index entry per header. It
+// positions on a beam, caches the header of the profile in hand and writes
+// profiles and beams; each family describes itself (type, code block,
+// record sizes, summary words) in a ProfileFamily table and keeps its own
+// codes.
 #ifndef VELMIO_SENSORS_PROFILE_CURSOR_H
 #define VELMIO_SENSORS_PROFILE_CURSOR_H
 
 #include <velmio/encoding.h>
 
-#include "linestore/byte_source.h"
-#include "linestore/line_segment_file.h"
-#include "linestore/sensor.h"
+#include "sensors/record_engine.h"
 
 #include <cstdint>
 #include <memory>
 
 namespace velmio {
-
-// The reason digits shared by every family: a family's code is its block
-// plus the reason (observed depths 5000200 + 19 = 5000219).
-enum ProfileReason {
-    kSegmentOpenFailed = 1,
-    kSegmentNotWritten = 2,
-    kSegmentInvalid = 3,
-    kSummaryNotEncoded = 5,
-    kSummaryInvalid = 6,
-    kNotMapped = 8,
-    kSummaryNotReserved = 11,
-    kNullHandle = 12,
-    kWrongType = 13,
-    kTimeIndexNotWritten = 14,
-    kSeekFailed = 15,
-    kNotFreed = 16,
-    kNoSegment = 17,
-    kWrongMode = 18,
-    kOutOfRange = 19,
-    kNotDecoded = 21,
-    kNotEncoded = 22,
-    kTimeIndexEntryFailed = 23,
-    kWriteFailed = 24,
-    kReadFailed = 25,
-    kCloseFailed = 26,
-    kEditNotCoded = 27,
-    kBackupFailed = 28,
-    kOwnBeamRange = 28,  // total propagated error: beam outside the profile
-};
-
-constexpr int kNoMemory = 5000009;
-constexpr unsigned kMaxSummaryWords = 18;
-constexpr unsigned kMaxRecordWords = 6;  // observed depths version 1 beams
 
 // Access modes an operation accepts.
 enum ModeMask : unsigned {
@@ -62,39 +27,17 @@ enum ModeMask : unsigned {
 };
 bool modeAllowed(const TOVO_Sensor &h, unsigned modes);
 
-// Record sizes of one file: version 1 observed depths files differ.
-struct ProfileGeometry {
-    unsigned headerBytes;
-    unsigned beamBytes;
-    bool countOnlyLayout;  // the layout word is the beam count, first beam 1
-};
-
 class ProfileState;
 
-struct ProfileFamily {
+struct ProfileFamily : EngineFamily {
     std::uint32_t typeId;
-    int block;                  // 5000200, 5001900, 5002700
-    unsigned summaryBytes;      // behind the 16-byte validation record
-    unsigned headerBytes;       // of the format version written now
-    unsigned beamBytes;
-    std::uint32_t writeVersion; // data file format version of new files
-    int beamRangeReason;        // kOutOfRange, or TPE's own 28
-    int shortSummaryReason;     // a summary shorter than summaryBytes
-    ProfileGeometry version1;   // records of format version 1 files, when they differ
-    int timeIndexWriteCode;     // 0: the time index's own code passes through
-    bool stateCheckedFirst;     // observed depths: family state before type
-    // The summary as XDR units (summaryBytes / 4 of them) and back; fromWords
-    // returns false for a summary no file of this family can hold.
-    void (*toWords)(const TOVO_Sensor &h, std::uint32_t *words);
-    bool (*fromWords)(TOVO_Sensor &h, const std::uint32_t *words);
-    SegmentFileFormat segments;
+    int beamRangeReason;    // kOutOfRange, or TPE's own 28
+    bool stateCheckedFirst; // observed depths: family state before type
     // Salvage rebuilds the bounds from the records: whether a header's time
     // bounds the time extent, and what one beam's words widen (its time
     // among them; s.profileTime is its profile's).
     bool headerTimeBound;
-    void (*widenByBeam)(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *words, Extent *extents);
-
-    int code(int reason) const { return block + reason; }
+    void (*widenByBeam)(const ProfileState &s, const std::uint32_t *words, Extent *extents);
 };
 
 struct ProfileHeader {
@@ -109,15 +52,11 @@ struct ProfileHeader {
     bool holds(std::uint32_t beam) const { return beam >= firstBeam && beam - firstBeam < beamCount; }
 };
 
-class ProfileState : public FamilyState {
+class ProfileState : public EngineState {
 public:
-    explicit ProfileState(const ProfileFamily &f)
-        : family(f), geometry{f.headerBytes, f.beamBytes, false} {}
+    explicit ProfileState(const ProfileFamily &f) : EngineState(f), profiles(f) {}
 
-    const ProfileFamily &family;
-    ProfileGeometry geometry;
-    std::uint32_t formatVersion = 1;
-    unsigned char buffer[4 * kMaxRecordWords] = {};  // one header or beam
+    const ProfileFamily &profiles;
     double profileTime = 0.0;   // ping time of the profile in hand
     int repositionNeeded = 1;   // the file is not known to be at the next beam
     ProfileHeader header;       // last header positioned on
@@ -132,14 +71,10 @@ public:
     // Set by status setters of a family without SaveStatusToDisk, so that
     // its close writes summary and segments of an update handle.
     bool statusDirty = false;
-    bool summaryOnDisk = false;      // create mode: the first profile's references are written
-    std::int64_t fileSize = -1;      // of the data file, read modes
     unsigned long seekCount = 0;     // data file repositionings
-    // Read modes: the data file is read by position through a window. A
+    // Read modes: the data file is read by position through the window. A
     // reposition makes the next refill small, so that a random read costs
     // one small positioned read; reads that follow refill 64 KiB at a time.
-    std::unique_ptr<ByteSource> source;
-    ReadWindow window;
     std::uint64_t position = 0;
     std::size_t readAhead = kWindowBytes;
 };
@@ -149,9 +84,12 @@ public:
 int enterProfile(TOVO_Sensor *h, const ProfileFamily &f, unsigned modes, ProfileState *&s);
 
 // True for a handle that writes a new file: create, or an unknown token.
-inline bool isWriting(const TOVO_Sensor &h) {
-    return h.accessMode != VELMIO_ACCESS_QUERY && h.accessMode != VELMIO_ACCESS_UPDATE;
-}
+inline bool isWriting(const TOVO_Sensor &h) { return isCreate(h); }
+
+// The tables of the families, for salvaging their lines.
+const ProfileFamily &observedDepthsProfiles();
+const ProfileFamily &slantRangeProfiles();
+const ProfileFamily &tpeProfiles();
 
 // Opens through SensorOpenDir with openId and builds the handle: create mode
 // writes the validation record and reserves the summary; read modes read
@@ -167,9 +105,6 @@ TOVO_Sensor *openProfileSensor(const wchar_t *lineDirectory, std::uint32_t openI
 // nothing was written) and frees the handle. The first failure's code.
 int closeProfileSensor(TOVO_Sensor *h, const ProfileFamily &f, bool saveDirtyStatus);
 
-// The summary behind a fresh validation record at the file's start.
-int writeSummary(TOVO_Sensor &h, ProfileState &s);
-
 // Writing. beginProfile adds the time index entry and writes the header
 // {status, layout, encoded time, extra...}; writeBeam appends one beam of
 // the open profile. Both keep the counts and the reposition flag.
@@ -178,14 +113,13 @@ int beginProfile(TOVO_Sensor &h, ProfileState &s, std::uint32_t beams, std::uint
 int writeBeam(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words, double beamTime);
 int endProfile(TOVO_Sensor &h, ProfileState &s);
 // Word 1 of a beam: status bits over the 16-bit time offset from the ping.
-std::uint32_t statusAndOffset(const TOVO_Sensor &h, const ProfileState &s, double beamTime, std::uint32_t status);
+std::uint32_t statusAndOffset(const ProfileState &s, double beamTime, std::uint32_t status);
 // The beam time that word 1 carries.
-double beamTime(const TOVO_Sensor &h, double profileTime, std::uint32_t word1);
+double beamTime(const ProfileState &s, double profileTime, std::uint32_t word1);
 
-// Segments of the handle: begin (create mode), end, status.
 // The operations every profile family has in the same form: the family's
 // entry checks and codes, then the shared effect. The tool type words are
-// familyWords[1] and, for a second one, familyWords[2].
+// familyWords[0] and, for a second one, familyWords[1] of the state.
 int profileBgnSeqWriteSummary(TOVO_Sensor *h, const ProfileFamily &f);
 int profileBgnSeqWriteLineSegment(TOVO_Sensor *h, const ProfileFamily &f, const wchar_t *name);
 int profileEndSeqWriteProfile(TOVO_Sensor *h, const ProfileFamily &f);
@@ -211,7 +145,7 @@ _TOVO_LnSeg *segmentOfProfile(TOVO_Sensor &h, std::uint32_t profile);
 // header whose beams would run into the next profile or past the end of the
 // file is refused with decodeReason.
 int seekData(TOVO_Sensor &h, ProfileState &s, std::uint64_t offset, int seekReason);
-int readRecord(TOVO_Sensor &h, ProfileState &s, unsigned bytes, std::uint32_t *words, int decodeReason);
+int readRecord(TOVO_Sensor &h, ProfileState &s, unsigned bytes, std::uint32_t *words);
 int parseHeader(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words, ProfileHeader &out);
 // Where the beams of the profile whose header is at offset must end.
 std::uint64_t profileLimit(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile);
@@ -231,11 +165,6 @@ int storeBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t offset, const std::
 // Sequential reads at the current file position.
 int readHeaderSeq(TOVO_Sensor &h, ProfileState &s, ProfileHeader &out);
 int readBeamSeq(TOVO_Sensor &h, ProfileState &s, std::uint32_t *words);
-
-// The tables of the families, for salvaging their lines.
-const ProfileFamily &observedDepthsProfiles();
-const ProfileFamily &slantRangeProfiles();
-const ProfileFamily &tpeProfiles();
 
 inline std::int32_t asSigned(std::uint32_t w) { return static_cast<std::int32_t>(w); }
 inline std::uint32_t asWord(std::int32_t v) { return static_cast<std::uint32_t>(v); }

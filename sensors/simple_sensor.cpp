@@ -13,32 +13,39 @@
 namespace velmio {
 namespace {
 
-using namespace xdr;
-
-constexpr int kNullHandle = 5000019;
+constexpr int kNullHandleCode = 5000019;
 constexpr int kUnknownType = 5000022;
 
 constexpr SummaryField kSummary[] = {
-    {SummaryWord::Status, 0},    {SummaryWord::RecordCount, 0}, {SummaryWord::TimeScale, 0},
-    {SummaryWord::ReferenceTime, 0}, {SummaryWord::ExtentMin, 0}, {SummaryWord::ExtentMax, 0},
-    {SummaryWord::ExtentMin, 1}, {SummaryWord::ExtentMax, 1},
+    {SummaryWord::Status},        {SummaryWord::RecordCount},
+    {SummaryWord::TimeScale},     {SummaryWord::ReferenceTime},
+    {SummaryWord::ExtentMin, 0, ExtentKind::Time},  {SummaryWord::ExtentMax, 0, ExtentKind::Time},
+    {SummaryWord::ExtentMin, 1, ExtentKind::Value}, {SummaryWord::ExtentMax, 1, ExtentKind::Value},
 };
 
-// The simple sensor prints no messages of its own.
 constexpr std::uint32_t kRecordBytes = 12;  // status, time, value
-static_assert(kRecordBytes <= RecordState::kMaxRecordBytes, "the record buffer holds a record");
+static_assert(kRecordBytes <= kMaxRecordBytes, "the record buffer holds a record");
+static_assert(sizeof kSummary / sizeof kSummary[0] <= kMaxSummaryWords, "the summary buffer holds the summary");
 
+// The simple sensor prints no messages of its own.
 const RecordFamily kSimple = {
-    12,
-    kRecordBytes,
-    8,
-    kSummary,
-    nullptr,
-    {2, {ExtentKind::Time, ExtentKind::Value}, 5028600, nullptr, 5001203, 5001202, 5001226, nullptr, nullptr,
-     nullptr, nullptr},
-    0,  // a bad validation record reports the record's own code, 5000027
-    nullptr,
-    nullptr,
+    {
+        5001200,
+        1,                               // format version written
+        {kRecordBytes, 0, false},
+        {0, 0, false},
+        8,
+        kSummary,
+        nullptr,
+        {2, {ExtentKind::Time, ExtentKind::Value}, 5028600, nullptr, 5001203, 5001202, 5001226, nullptr, nullptr,
+         nullptr, nullptr},
+        0,                               // a bad validation record reports the record's own code, 5000027
+        nullptr,
+        kReadFailed,
+        nullptr,
+        5001214,
+        5001205,                         // a summary not written at close
+    },
     {nullptr, nullptr, nullptr, nullptr, nullptr},
 };
 
@@ -56,8 +63,8 @@ bool isSimpleType(unsigned int typeId) {
 
 // The checks at the head of every operation: 0 and the state, or the code.
 int check(TOVO_Sensor *h, SimpleSensorState *&state) {
-    if (!h) return kNullHandle;
-    state = dynamic_cast<SimpleSensorState *>(h->familyState);
+    if (!h) return kNullHandleCode;
+    state = stateOf<SimpleSensorState>(h, kSimple);
     return state ? 0 : kMissingOutput;
 }
 
@@ -71,9 +78,10 @@ void decodeRecord(const TOVO_Sensor &h, const unsigned char *bytes, double *time
 
 // Appends one record; the per-record and the bulk write share it byte for byte.
 int writeRecord(TOVO_Sensor &h, SimpleSensorState &s, double time, double value, unsigned int status) {
-    if (h.firstRecordPending) {
+    const bool first = s.firstRecordPending;
+    if (first) {
         h.referenceTime = TOVO_EncodeRefTime(time);
-        h.firstRecordPending = 0;
+        s.firstRecordPending = false;
     }
     // Counted before anything can fail: a failed write still counts.
     ++h.recordCount;
@@ -87,7 +95,7 @@ int writeRecord(TOVO_Sensor &h, SimpleSensorState &s, double time, double value,
     const double values[2] = {time, value};
     widenExtents(h, values, 2);
     ++s.written;
-    return 0;
+    return first ? referencesFixed(h, s) : 0;
 }
 
 }  // namespace
@@ -271,7 +279,7 @@ extern "C" VELMIO_API int SimpleSensorSetLineSegmentStatus(TOVO_Sensor *h, int n
 extern "C" VELMIO_API int SimpleSensorSetRecordStatus(TOVO_Sensor *h, unsigned int n, unsigned int status) {
     SimpleSensorState *s = nullptr;
     if (int rc = check(h, s)) return rc;
-    return setRecordStatus(*h, kSimple, n, status);
+    return setRecordStatus(*h, *s, n, status);
 }
 
 extern "C" VELMIO_API int SimpleSensorSaveStatusToDisk(TOVO_Sensor *h) {

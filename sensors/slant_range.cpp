@@ -16,49 +16,44 @@ namespace {
 
 constexpr int kTime = 0;
 
-// Summary units: status, tool type, profiles, beams, time scale, depth time
-// scale, reference time, min/max time.
-void summaryToWords(const TOVO_Sensor &h, std::uint32_t *w) {
-    w[0] = h.summaryStatus;
-    w[1] = h.familyWords[1];
-    w[2] = h.recordCount;
-    w[3] = h.familyWords[0];
-    w[4] = asWord(h.timeScale);
-    w[5] = asWord(h.depthTimeScale);
-    w[6] = asWord(h.referenceTime);
-    w[7] = asWord(TOVO_EncodeTime(h.extents[kTime].min, h.referenceTime, h.timeScale));
-    w[8] = asWord(TOVO_EncodeTime(h.extents[kTime].max, h.referenceTime, h.timeScale));
-}
+constexpr SummaryField kSummary[] = {
+    {SummaryWord::Status},
+    {SummaryWord::FamilyWord0},  // tool type
+    {SummaryWord::RecordCount},
+    {SummaryWord::ItemCount},
+    {SummaryWord::TimeScale},
+    {SummaryWord::DepthTimeScale},
+    {SummaryWord::ReferenceTime},
+    {SummaryWord::ExtentMin, kTime, ExtentKind::Time},
+    {SummaryWord::ExtentMax, kTime, ExtentKind::Time},
+};
+constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
+static_assert(kSummaryWords <= kMaxSummaryWords && 20 <= kMaxRecordBytes, "the engine's buffers hold these records");
 
-bool summaryFromWords(TOVO_Sensor &h, const std::uint32_t *w) {
-    if (asSigned(w[4]) <= 0 || asSigned(w[5]) <= 0) return false;
-    h.summaryStatus = w[0];
-    h.familyWords[1] = w[1];
-    h.recordCount = w[2];
-    h.familyWords[0] = w[3];
-    h.timeScale = asSigned(w[4]);
-    h.depthTimeScale = asSigned(w[5]);
-    h.referenceTime = asSigned(w[6]);
-    h.extents[kTime] = {TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[7])),
-                        TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[8]))};
-    return true;
-}
-
-void widenByBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w, Extent *extents) {
-    extents[kTime].widen(beamTime(h, s.profileTime, w[0]));
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    extents[kTime].widen(beamTime(s, s.profileTime, w[0]));
 }
 
 const ProfileFamily kSlantRange = {
+    {
+        5001900,
+        2,                  // format version written
+        {20, 16, false},    // header and beam bytes
+        {0, 0, false},      // version 1 files share the layout
+        kSummaryWords,
+        kSummary,
+        nullptr,
+        {1, {ExtentKind::Time}, 5001901, nullptr, 5001903, 5001902, 5001926, nullptr, nullptr, nullptr, nullptr},
+        5001906,
+        nullptr,
+        kReadFailed,
+        nullptr,
+        5001914,
+        0,
+    },
     30,
-    5001900,
-    36, 20, 16,     // summary, header, beam bytes
-    2,              // format version written
-    kOutOfRange, kReadFailed,
-    {0, 0, false},  // version 1 files share the layout
-    5001914,
+    kOutOfRange,
     false,
-    summaryToWords, summaryFromWords,
-    {1, {ExtentKind::Time}, 5001901, nullptr, 5001903, 5001902, 5001926, nullptr, nullptr, nullptr, nullptr},
     true,
     widenByBeam,
 };
@@ -74,9 +69,9 @@ std::uint32_t packAngles(double first, double second) {
 
 double unpackAngle(std::uint32_t half) { return static_cast<std::int16_t>(half & 0xFFFFu) / 10000.0; }
 
-void fillBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w, double *time, double *range,
+void fillBeam(const TOVO_Sensor &, const ProfileState &s, const std::uint32_t *w, double *time, double *range,
               double *value, double *angle1, double *angle2, unsigned int *status) {
-    *time = beamTime(h, s.profileTime, w[0]);
+    *time = beamTime(s, s.profileTime, w[0]);
     *range = TOVO_DecodeMeters(asSigned(w[1]));
     *value = asSigned(w[2]) / 1000000.0;
     *angle1 = unpackAngle(w[3] >> 16);
@@ -96,8 +91,8 @@ void fillHeader(const ProfileHeader &p, unsigned int *numberOfBeams, unsigned in
 
 // Reads check the profile number against the beam total, as files have
 // always been read; the time index refuses what lies beyond the profiles.
-bool withinBeamTotal(const TOVO_Sensor &h, std::uint32_t profile) {
-    return profile >= 1 && profile <= h.familyWords[0];
+bool withinBeamTotal(const ProfileState &s, std::uint32_t profile) {
+    return profile >= 1 && profile <= s.itemCount;
 }
 
 }  // namespace
@@ -122,10 +117,10 @@ VELMIO_API int SLRangeSummary(TOVO_Sensor *handle, unsigned int *toolType, unsig
                               double *maxTime, unsigned int *status) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    if (toolType) *toolType = handle->familyWords[1];
+    if (toolType) *toolType = s->familyWords[0];
     if (numberOfLineSegments) *numberOfLineSegments = handle->segmentCount;
     if (numberOfProfiles) *numberOfProfiles = handle->recordCount;
-    if (numberOfBeams) *numberOfBeams = handle->familyWords[0];
+    if (numberOfBeams) *numberOfBeams = s->itemCount;
     if (minTime) *minTime = handle->extents[kTime].min;
     if (maxTime) *maxTime = handle->extents[kTime].max;
     if (status) *status = handle->summaryStatus;
@@ -152,7 +147,7 @@ VELMIO_API int SLRangeReadProfile(TOVO_Sensor *handle, unsigned int profileNumbe
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kReadModes, s)) return rc;
     if (!numberOfBeams || !firstBeam || !time || !angle1 || !angle2 || !status) return -1;
-    if (!withinBeamTotal(*handle, profileNumber)) return kSlantRange.code(kOutOfRange);
+    if (!withinBeamTotal(*s, profileNumber)) return kSlantRange.code(kOutOfRange);
     if (const int rc = loadHeader(*handle, *s, profileNumber, kNotDecoded)) return rc;
     s->profileTime = s->header.time;
     fillHeader(s->header, numberOfBeams, firstBeam, time, angle1, angle2, status);
@@ -165,7 +160,7 @@ VELMIO_API int SLRangeRead(TOVO_Sensor *handle, unsigned int profileNumber, unsi
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kReadModes, s)) return rc;
     if (!beamTime || !range || !value || !beamAngle1 || !beamAngle2 || !status) return -1;
-    if (!withinBeamTotal(*handle, profileNumber)) return kSlantRange.code(kOutOfRange);
+    if (!withinBeamTotal(*s, profileNumber)) return kSlantRange.code(kOutOfRange);
     std::uint32_t words[kMaxRecordWords];
     if (const int rc = readBeam(*handle, *s, profileNumber, beamNumber, words, kOutOfRange)) return rc;
     fillBeam(*handle, *s, words, beamTime, range, value, beamAngle1, beamAngle2, status);
@@ -242,7 +237,7 @@ VELMIO_API int SLRangeSeqWrite(TOVO_Sensor *handle, double beamTime, double rang
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kCreateMode, s)) return rc;
     // The value is truncated, unlike the rounded beam angles.
-    const std::uint32_t words[4] = {statusAndOffset(*handle, *s, beamTime, status),
+    const std::uint32_t words[4] = {statusAndOffset(*s, beamTime, status),
                                     asWord(TOVO_EncodeMeters(range)), asWord(truncToInt32(value * 1000000.0)),
                                     packAngles(beamAngle1, beamAngle2)};
     return writeBeam(*handle, *s, words, beamTime);
@@ -286,7 +281,7 @@ VELMIO_API int SLRangeUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumb
                                    unsigned int status) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kUpdateMode, s)) return rc;
-    if (s->formatVersion != 2) return 0;
+    if (handle->formatVersion != 2) return 0;
     if (profileNumber < 1 || profileNumber > handle->recordCount) return kSlantRange.code(kOutOfRange);
     std::uint32_t words[kMaxRecordWords];
     std::uint32_t offset = 0;

@@ -27,62 +27,55 @@ constexpr int kError2 = 2;
 std::uint32_t encodeError(double value) { return asWord(truncToInt32(value * 1000.0)); }
 double decodeError(std::uint32_t word) { return asSigned(word) / 1000.0; }
 
-// Summary units: status, two tool types, profiles, beams, time scale, depth
-// time scale, reference time, min/max time, min/max of each error, then 16
-// reserved bytes written as zeros.
-void summaryToWords(const TOVO_Sensor &h, std::uint32_t *w) {
-    w[0] = h.summaryStatus;
-    w[1] = h.familyWords[1];
-    w[2] = h.familyWords[2];
-    w[3] = h.recordCount;
-    w[4] = h.familyWords[0];
-    w[5] = asWord(h.timeScale);
-    w[6] = asWord(h.depthTimeScale);
-    w[7] = asWord(h.referenceTime);
-    w[8] = asWord(TOVO_EncodeTime(h.extents[kTime].min, h.referenceTime, h.timeScale));
-    w[9] = asWord(TOVO_EncodeTime(h.extents[kTime].max, h.referenceTime, h.timeScale));
-    w[10] = encodeError(h.extents[kError1].min);
-    w[11] = encodeError(h.extents[kError1].max);
-    w[12] = encodeError(h.extents[kError2].min);
-    w[13] = encodeError(h.extents[kError2].max);
-    w[14] = w[15] = w[16] = w[17] = 0;
-}
+constexpr SummaryField kSummary[] = {
+    {SummaryWord::Status},
+    {SummaryWord::FamilyWord0},  // the two tool types
+    {SummaryWord::FamilyWord1},
+    {SummaryWord::RecordCount},
+    {SummaryWord::ItemCount},
+    {SummaryWord::TimeScale},
+    {SummaryWord::DepthTimeScale},
+    {SummaryWord::ReferenceTime},
+    {SummaryWord::ExtentMin, kTime, ExtentKind::Time},
+    {SummaryWord::ExtentMax, kTime, ExtentKind::Time},
+    {SummaryWord::ExtentMin, kError1, ExtentKind::Thousandths},
+    {SummaryWord::ExtentMax, kError1, ExtentKind::Thousandths},
+    {SummaryWord::ExtentMin, kError2, ExtentKind::Thousandths},
+    {SummaryWord::ExtentMax, kError2, ExtentKind::Thousandths},
+    {SummaryWord::Zero},  // 16 reserved bytes
+    {SummaryWord::Zero},
+    {SummaryWord::Zero},
+    {SummaryWord::Zero},
+};
+constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
+static_assert(kSummaryWords <= kMaxSummaryWords && 16 <= kMaxRecordBytes, "the engine's buffers hold these records");
 
-bool summaryFromWords(TOVO_Sensor &h, const std::uint32_t *w) {
-    if (asSigned(w[5]) <= 0 || asSigned(w[6]) <= 0) return false;
-    h.summaryStatus = w[0];
-    h.familyWords[1] = w[1];
-    h.familyWords[2] = w[2];
-    h.recordCount = w[3];
-    h.familyWords[0] = w[4];
-    h.timeScale = asSigned(w[5]);
-    h.depthTimeScale = asSigned(w[6]);
-    h.referenceTime = asSigned(w[7]);
-    h.extents[kTime] = {TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[8])),
-                        TOVO_DecodeTime(h.referenceTime, h.timeScale, asSigned(w[9]))};
-    h.extents[kError1] = {decodeError(w[10]), decodeError(w[11])};
-    h.extents[kError2] = {decodeError(w[12]), decodeError(w[13])};
-    return true;
-}
-
-void widenByBeam(const TOVO_Sensor &h, const ProfileState &s, const std::uint32_t *w, Extent *extents) {
-    extents[kTime].widen(beamTime(h, s.profileTime, w[0]));
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    extents[kTime].widen(beamTime(s, s.profileTime, w[0]));
     extents[kError1].widen(decodeError(w[1]));
     extents[kError2].widen(decodeError(w[2]));
 }
 
 const ProfileFamily kTpe = {
+    {
+        5002700,
+        1,              // format version written
+        {16, 12, false},  // header and beam bytes
+        {0, 0, false},
+        kSummaryWords,
+        kSummary,
+        nullptr,
+        {1, {ExtentKind::Time}, 5002701, nullptr, 5002703, 5002702, 5002726, nullptr, nullptr, nullptr, nullptr},
+        5002706,
+        nullptr,
+        kReadFailed,
+        nullptr,
+        0,              // the time index's own code passes through
+        0,
+    },
     52,
-    5002700,
-    72, 16, 12,     // summary, header, beam bytes
-    1,              // format version written
     kOwnBeamRange,
-    kReadFailed,
-    {0, 0, false},
-    0,              // the time index's own code passes through
     false,
-    summaryToWords, summaryFromWords,
-    {1, {ExtentKind::Time}, 5002701, nullptr, 5002703, 5002702, 5002726, nullptr, nullptr, nullptr, nullptr},
     true,
     widenByBeam,
 };
@@ -124,15 +117,9 @@ unsigned int cacheSizeFromEnvironment() {
 bool cacheOn(const TpeState &t) { return getCacheSize(t.reader) != 0; }
 
 // The record words of the block reader's current record.
-int readFromBlock(TOVO_Sensor &h, TpeState &t, unsigned bytes, std::uint32_t *words) {
-    if (!BlockIOFread(t.reader, t.buffer, bytes)) return kTpe.code(kReadFailed);
-    xdr::XDR &x = h.decodeStream;
-    xdr::xdrmem_create(&x, reinterpret_cast<char *>(t.buffer), bytes, xdr::XDR_DECODE);
-    for (unsigned i = 0; i < bytes / 4; ++i) {
-        unsigned int w = 0;
-        if (!xdr::xdr_u_int(&x, &w)) return kTpe.code(kNotDecoded);
-        words[i] = w;
-    }
+int readFromBlock(TOVO_Sensor &, TpeState &t, unsigned bytes, std::uint32_t *words) {
+    if (!BlockIOFread(t.reader, t.record, bytes)) return kTpe.code(kReadFailed);
+    for (unsigned i = 0; i < bytes / 4; ++i) words[i] = loadBe32(t.record + 4 * i);
     return 0;
 }
 
@@ -140,11 +127,11 @@ int readFromBlock(TOVO_Sensor &h, TpeState &t, unsigned bytes, std::uint32_t *wo
 // as the direct path demands they lie before the next profile.
 int headerFromBlock(TOVO_Sensor &h, TpeState &t, ProfileHeader &header) {
     std::uint32_t words[kMaxRecordWords];
-    if (const int rc = readFromBlock(h, t, kTpe.headerBytes, words)) return rc;
+    if (const int rc = readFromBlock(h, t, kTpe.geometry.headerBytes, words)) return rc;
     parseHeader(h, t, words, header);
-    const long end = static_cast<long>(kTpe.headerBytes + header.beamCount * kTpe.beamBytes);
+    const long end = static_cast<long>(kTpe.geometry.headerBytes + header.beamCount * kTpe.geometry.itemBytes);
     if (header.beamCount > 0 && !setByteOffset(t.reader, end - 1, 0)) return kTpe.code(kNotDecoded);
-    setByteOffset(t.reader, kTpe.headerBytes, 0);
+    setByteOffset(t.reader, kTpe.geometry.headerBytes, 0);
     // The file position is now the block reader's.
     t.repositionNeeded = 1;
     t.profileTime = header.time;
@@ -160,16 +147,16 @@ void fillHeader(const ProfileHeader &p, unsigned int *numberOfBeams, unsigned in
     *status = p.status;
 }
 
-void fillBeam(const TOVO_Sensor &h, double profileTime, const std::uint32_t *w, double *time, double *error1,
+void fillBeam(const ProfileState &s, double profileTime, const std::uint32_t *w, double *time, double *error1,
               double *error2, unsigned int *status) {
-    *time = beamTime(h, profileTime, w[0]);
+    *time = beamTime(s, profileTime, w[0]);
     *error1 = decodeError(w[1]);
     *error2 = decodeError(w[2]);
     *status = w[0] & 0xFFFF0000u;
 }
 
-bool withinBeamTotal(const TOVO_Sensor &h, std::uint32_t profile) {
-    return profile >= 1 && profile <= h.familyWords[0];
+bool withinBeamTotal(const ProfileState &s, std::uint32_t profile) {
+    return profile >= 1 && profile <= s.itemCount;
 }
 
 }  // namespace
@@ -209,11 +196,11 @@ VELMIO_API int TPESummary(TOVO_Sensor *handle, unsigned int *numberOfLineSegment
     auto stored = [](double v) { return decodeError(encodeError(v)); };
     if (numberOfLineSegments) *numberOfLineSegments = handle->segmentCount;
     if (numberOfProfiles) *numberOfProfiles = handle->recordCount;
-    if (numberOfBeams) *numberOfBeams = handle->familyWords[0];
+    if (numberOfBeams) *numberOfBeams = t->itemCount;
     if (minTime) *minTime = handle->extents[kTime].min;
     if (maxTime) *maxTime = handle->extents[kTime].max;
-    if (toolType1) *toolType1 = handle->familyWords[1];
-    if (toolType2) *toolType2 = handle->familyWords[2];
+    if (toolType1) *toolType1 = t->familyWords[0];
+    if (toolType2) *toolType2 = t->familyWords[1];
     if (minError1) *minError1 = stored(handle->extents[kError1].min);
     if (maxError1) *maxError1 = stored(handle->extents[kError1].max);
     if (minError2) *minError2 = stored(handle->extents[kError2].min);
@@ -240,7 +227,7 @@ VELMIO_API int TPEReadProfile(TOVO_Sensor *handle, unsigned int profileNumber, u
     TpeState *t = nullptr;
     if (const int rc = enter(handle, kReadModes, t)) return rc;
     if (!numberOfBeams || !firstBeam || !time || !profileWord || !status) return -1;
-    if (!withinBeamTotal(*handle, profileNumber)) return kTpe.code(kOutOfRange);
+    if (!withinBeamTotal(*t, profileNumber)) return kTpe.code(kOutOfRange);
     if (readRecord(t->reader, profileNumber) == 0) {
         ProfileHeader header;
         if (const int rc = headerFromBlock(*handle, *t, header)) return rc;
@@ -258,19 +245,19 @@ VELMIO_API int TPERead(TOVO_Sensor *handle, unsigned int profileNumber, unsigned
     TpeState *t = nullptr;
     if (const int rc = enter(handle, kReadModes, t)) return rc;
     if (!beamTime || !error1 || !error2 || !status) return -1;
-    if (!withinBeamTotal(*handle, profileNumber)) return kTpe.code(kOutOfRange);
+    if (!withinBeamTotal(*t, profileNumber)) return kTpe.code(kOutOfRange);
     std::uint32_t words[kMaxRecordWords];
     if (readRecord(t->reader, profileNumber) == 0) {
         ProfileHeader header;
         if (const int rc = headerFromBlock(*handle, *t, header)) return rc;
         if (!header.holds(beamNumber)) return kTpe.code(kTpe.beamRangeReason);
-        if (!setByteOffset(t->reader, static_cast<long>((beamNumber - header.firstBeam) * kTpe.beamBytes), 1))
+        if (!setByteOffset(t->reader, static_cast<long>((beamNumber - header.firstBeam) * kTpe.geometry.itemBytes), 1))
             return kTpe.code(kSeekFailed);
-        if (const int rc = readFromBlock(*handle, *t, kTpe.beamBytes, words)) return rc;
+        if (const int rc = readFromBlock(*handle, *t, kTpe.geometry.itemBytes, words)) return rc;
     } else if (const int rc = readBeam(*handle, *t, profileNumber, beamNumber, words, kTpe.beamRangeReason)) {
         return rc;
     }
-    fillBeam(*handle, t->profileTime, words, beamTime, error1, error2, status);
+    fillBeam(*t, t->profileTime, words, beamTime, error1, error2, status);
     return 0;
 }
 
@@ -298,9 +285,9 @@ VELMIO_API int TPEReadSeq(TOVO_Sensor *handle, double *beamTime, double *error1,
     if (const int rc = enter(handle, kQueryMode, t)) return rc;
     if (!beamTime || !error1 || !error2 || !status) return -1;
     std::uint32_t words[kMaxRecordWords];
-    const int rc = cacheOn(*t) ? readFromBlock(*handle, *t, kTpe.beamBytes, words) : readBeamSeq(*handle, *t, words);
+    const int rc = cacheOn(*t) ? readFromBlock(*handle, *t, kTpe.geometry.itemBytes, words) : readBeamSeq(*handle, *t, words);
     if (rc) return rc;
-    fillBeam(*handle, t->profileTime, words, beamTime, error1, error2, status);
+    fillBeam(*t, t->profileTime, words, beamTime, error1, error2, status);
     return 0;
 }
 
@@ -363,7 +350,7 @@ VELMIO_API int TPEBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfB
 VELMIO_API int TPESeqWrite(TOVO_Sensor *handle, double beamTime, double error1, double error2, unsigned int status) {
     TpeState *t = nullptr;
     if (const int rc = enter(handle, kCreateMode, t)) return rc;
-    const std::uint32_t words[3] = {statusAndOffset(*handle, *t, beamTime, status), encodeError(error1),
+    const std::uint32_t words[3] = {statusAndOffset(*t, beamTime, status), encodeError(error1),
                                     encodeError(error2)};
     if (const int rc = writeBeam(*handle, *t, words, beamTime)) return rc;
     handle->extents[kError1].widen(error1);

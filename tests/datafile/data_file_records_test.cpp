@@ -3,6 +3,8 @@
 
 #include <cfloat>
 #include <cstdlib>
+#include <tuple>
+#include <utility>
 
 using namespace velmio::test;
 
@@ -37,9 +39,8 @@ void expectRecord(VELMDataFile &f, int number, int expectedIndex) {
     std::vector<int> counts;
     ASSERT_EQ(f.ReadRecord(time, status, values, counts, number), 0) << number;
     const int i = expectedIndex;
-    EXPECT_EQ(time, 1000.0 + i * 0.125);
-    EXPECT_EQ(status, static_cast<unsigned int>(i));
-    EXPECT_EQ(f.GetDataRecordStatus(), static_cast<unsigned int>(i));
+    EXPECT_EQ(std::make_tuple(time, status, f.GetDataRecordStatus()),
+              std::make_tuple(1000.0 + i * 0.125, unsigned(i), unsigned(i)));
     ASSERT_EQ(counts, (std::vector<int>{1, static_cast<int>(textOf(i).size()), i % 3}));
     EXPECT_EQ(values[0].i, i);
     EXPECT_EQ(std::string(values[1].str ? values[1].str : ""), textOf(i));
@@ -58,8 +59,7 @@ TEST(DataFileRecords, ManyVariableRecordsReadBackByNumberInSequenceAndInUpdate) 
         VELMDataFile f(dir.wpath(), L"Many", L"", 9, mode, 0, status);
         ASSERT_EQ(status, 0);
         ASSERT_EQ(f.GetNumberOfRecords(), static_cast<unsigned int>(kRecords));
-        EXPECT_EQ(f.GetMinTime(), 1000.0);
-        EXPECT_EQ(f.GetMaxTime(), 1000.0 + (kRecords - 1) * 0.125);
+        EXPECT_EQ(std::make_pair(f.GetMinTime(), f.GetMaxTime()), std::make_pair(1000.0, 1000.0 + (kRecords - 1) * 0.125));
         EXPECT_EQ(f.GetSummaryRecordStatus(), 0x55u);
         for (int n : {kRecords, 1, 513, 512, 700}) expectRecord(f, n, n - 1);
         // -999 continues after the record last read.
@@ -106,10 +106,8 @@ TEST(DataFileRecords, AccessModesAndDeclarationRules) {
     std::vector<dataValue> v;
     std::vector<int> c;
     ASSERT_EQ(f.ReadRecord(t, s, v, c, 1), 0);
-    EXPECT_EQ(t, 60.0);
-    EXPECT_EQ(v[0].i, 42);
     ASSERT_EQ(c[1], 3);
-    EXPECT_EQ(v[1].ia[2], 6);
+    EXPECT_EQ(std::make_tuple(t, v[0].i, v[1].ia[0], v[1].ia[2]), std::make_tuple(60.0, 42, 4, 6));
     f.FreeRecordValues(v);
 }
 

@@ -2,6 +2,9 @@
 // in the summary and no length word before the records.
 #include "data_file_fixtures.h"
 
+#include <tuple>
+#include <utility>
+
 using namespace velmio::test;
 
 namespace {
@@ -46,12 +49,11 @@ TEST(DataFileVersions, VersionOneFilesReadWithoutVersionAndLengthWords) {
         long status;
         VELMDataFile f(dir.wpath(), L"Old", L"", 5, ACCESS_READ, 4, status);
         ASSERT_EQ(status, 0);
-        EXPECT_EQ(f.GetFileVersionNumber(), 1u);
-        EXPECT_EQ(f.GetDataVersionNumber(), 4u);  // not in the file: the constructor's
-        EXPECT_EQ(f.GetDataRecordSize(), 12u);
-        EXPECT_EQ(f.GetSummaryRecordStatus(), 3u);
-        EXPECT_EQ(f.GetMinTime(), 60.5);
-        EXPECT_EQ(f.GetMaxTime(), 60.75);
+        // File version, data version (not in the file: the constructor's), record size, summary status.
+        EXPECT_EQ(std::vector<unsigned>({f.GetFileVersionNumber(), f.GetDataVersionNumber(), f.GetDataRecordSize(),
+                                         f.GetSummaryRecordStatus()}),
+                  std::vector<unsigned>({1, 4, 12, 3}));
+        EXPECT_EQ(std::make_pair(f.GetMinTime(), f.GetMaxTime()), std::make_pair(60.5, 60.75));
         dataValue k;
         ASSERT_EQ(f.GetSummaryAttribute(L"k", k, nullptr), 0);
         EXPECT_EQ(k.i, 9);
@@ -61,15 +63,12 @@ TEST(DataFileVersions, VersionOneFilesReadWithoutVersionAndLengthWords) {
         std::vector<dataValue> v;
         std::vector<int> c;
         ASSERT_EQ(f.ReadRecord(t, s, v, c, 2), 0);
-        EXPECT_EQ(t, 60.75);
-        EXPECT_EQ(s, 2u);
-        EXPECT_EQ(v[0].i, 11);
+        EXPECT_EQ(std::make_tuple(t, s, v[0].i), std::make_tuple(60.75, 2u, 11));
         if (withString) {
             EXPECT_EQ(c[1], 0);
         }
         ASSERT_EQ(f.ReadRecord(t, s, v, c, 1), 0);
-        EXPECT_EQ(t, 60.5);
-        EXPECT_EQ(v[0].i, 10);
+        EXPECT_EQ(std::make_pair(t, v[0].i), std::make_pair(60.5, 10));
         if (withString) {
             ASSERT_EQ(c[1], 2);
             EXPECT_STREQ(v[1].str, "hi");

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <tuple>
 
 using namespace velmio::xdr;
 using velmio::test::Bytes;
@@ -49,36 +50,25 @@ TEST(XdrEncoding, UnitsAreBigEndianAndShortsWiden) {
     unsigned char c2;
     ASSERT_TRUE(xdr_int(&d, &i2) && xdr_u_int(&d, &u2) && xdr_short(&d, &s2) && xdr_u_short(&d, &us2) &&
                 xdr_u_char(&d, &c2));
-    EXPECT_EQ(i2, -2);
-    EXPECT_EQ(u2, 0x01020304u);
-    EXPECT_EQ(s2, -3);
-    EXPECT_EQ(us2, 0xFFFE);
-    EXPECT_EQ(c2, 0x7F);
-}
+    EXPECT_EQ(std::make_tuple(i2, u2, s2, us2, c2),
+              std::make_tuple(-2, 0x01020304u, short(-3), static_cast<unsigned short>(0xFFFE), static_cast<unsigned char>(0x7F)));
 
-TEST(XdrEncoding, ShortDecodeTruncatesTheUnitTo16Bits) {
-    char buf[4] = {0x00, 0x01, static_cast<char>(0x80), 0x01};
-    XDR d;
-    xdrmem_create(&d, buf, 4, XDR_DECODE);
-    short s;
-    ASSERT_TRUE(xdr_short(&d, &s));
-    EXPECT_EQ(static_cast<unsigned short>(s), 0x8001);
+    // A short decodes the low 16 bits of its unit, whatever the high ones hold.
+    char wide[4] = {0x00, 0x01, static_cast<char>(0x80), 0x01};
+    xdrmem_create(&d, wide, 4, XDR_DECODE);
+    ASSERT_TRUE(xdr_short(&d, &s2));
+    EXPECT_EQ(static_cast<unsigned short>(s2), 0x8001);
 }
 
 TEST(XdrEncoding, DoubleTravelsLowWordFirst) {
+    const std::uint64_t bits = 0xC000000080000001u;  // both halves non-zero
+    double v, back = 0;
+    std::memcpy(&v, &bits, 8);
     MemEncoder e;
-    double one = 1.0, minusTwo = -2.0;
-    ASSERT_TRUE(xdr_double(&e.x, &one));
-    ASSERT_TRUE(xdr_double(&e.x, &minusTwo));
-    EXPECT_TRUE(SameBytes({0, 0, 0, 0, 0x3F, 0xF0, 0, 0, 0, 0, 0, 0, 0xC0, 0, 0, 0}, e.bytes()));
-
-    // A pattern with both halves non-zero decodes back to itself.
-    double v = 1234.5678e-3;
-    MemEncoder e2;
-    ASSERT_TRUE(xdr_double(&e2.x, &v));
+    ASSERT_TRUE(xdr_double(&e.x, &v));
+    EXPECT_TRUE(SameBytes({0x80, 0, 0, 0x01, 0xC0, 0, 0, 0}, e.bytes()));
     XDR d;
-    xdrmem_create(&d, e2.buffer, 8, XDR_DECODE);
-    double back = 0;
+    xdrmem_create(&d, e.buffer, 8, XDR_DECODE);
     ASSERT_TRUE(xdr_double(&d, &back));
     EXPECT_EQ(std::memcmp(&v, &back, 8), 0);
     XDR f;
@@ -133,29 +123,21 @@ TEST(XdrEncoding, BytesAndArraysCarryTheirCount) {
     EXPECT_EQ(arr, nullptr);
 }
 
-TEST(XdrDecoding, CountsAboveTheMaximumFailWithoutAllocating) {
-    char buf[8] = {0x7F, static_cast<char>(0xFF), static_cast<char>(0xFF), static_cast<char>(0xFF), 'x', 'y', 0, 0};
+TEST(XdrDecoding, CountsAboveTheMaximumOrBeyondTheBufferFail) {
+    char huge[8] = {0x7F, static_cast<char>(0xFF), static_cast<char>(0xFF), static_cast<char>(0xFF), 'x', 'y', 0, 0};
     XDR d;
-    char *text = nullptr;
-    xdrmem_create(&d, buf, 8, XDR_DECODE);
-    EXPECT_FALSE(xdr_string(&d, &text, 256));
-    EXPECT_EQ(text, nullptr);
-    char *bytes = nullptr;
+    char *text = nullptr, *bytes = nullptr, *arr = nullptr;
     unsigned int n = 0;
-    xdrmem_create(&d, buf, 8, XDR_DECODE);
+    xdrmem_create(&d, huge, 8, XDR_DECODE);
+    EXPECT_FALSE(xdr_string(&d, &text, 256));
+    xdrmem_create(&d, huge, 8, XDR_DECODE);
     EXPECT_FALSE(xdr_bytes(&d, &bytes, &n, 256));
-    EXPECT_EQ(bytes, nullptr);
-    char *arr = nullptr;
-    xdrmem_create(&d, buf, 8, XDR_DECODE);
+    xdrmem_create(&d, huge, 8, XDR_DECODE);
     EXPECT_FALSE(xdr_array(&d, &arr, &n, 256, 4, xdr_int_element));
-    EXPECT_EQ(arr, nullptr);
-}
+    EXPECT_TRUE(!text && !bytes && !arr) << "a refused count allocated";
 
-TEST(XdrDecoding, AShortStringBodyFails) {
-    char buf[8] = {0, 0, 0, 6, 'a', 'b', 'c', 'd'};
-    XDR d;
-    xdrmem_create(&d, buf, 8, XDR_DECODE);
-    char *text = nullptr;
+    char shortBody[8] = {0, 0, 0, 6, 'a', 'b', 'c', 'd'};
+    xdrmem_create(&d, shortBody, 8, XDR_DECODE);
     EXPECT_FALSE(xdr_string(&d, &text, 16));
     std::free(text);
 }

@@ -11,6 +11,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 TEST(Utf8, RoundTripsAllPlanesAndReplacesMalformedInput) {
     const std::wstring text = L"Tr\u00e6k \u6e2c\U0001F30A";
@@ -57,35 +58,30 @@ TEST(MorvaString, CaseFoldingIsAsciiOnly) {
     EXPECT_EQ(MORVAUString::fromUtf8("\xc3\xa6").str(), L"\u00e6");
 }
 
+using velmio::platform::platformError;
+using velmio::platform::reportOpenFailure;
+
 TEST(PlatformErrors, ErrnoMapsToThePlatformNumbers) {
-    using velmio::platform::platformError;
-    EXPECT_EQ(platformError(ENOENT), 2);
-    EXPECT_EQ(platformError(EMFILE), 4);
-    EXPECT_EQ(platformError(ENFILE), 4);
-    EXPECT_EQ(platformError(EACCES), 5);
-    EXPECT_EQ(platformError(EPERM), 5);
-    EXPECT_EQ(platformError(ENOMEM), 8);
-    EXPECT_EQ(platformError(ENOSPC), 8);
-    EXPECT_EQ(platformError(0), 0);
+    std::vector<int> got;
+    for (int e : {ENOENT, EMFILE, ENFILE, EACCES, EPERM, ENOMEM, ENOSPC, 0}) got.push_back(platformError(e));
+    EXPECT_EQ(got, std::vector<int>({2, 4, 4, 5, 5, 8, 8, 0}));
     EXPECT_NE(platformError(EISDIR), 2);
 }
 
 TEST(PlatformErrors, OpenFailureMessagesKeepTheirWording) {
     const velmio::platform::OpenFailureCodes codes{1, 2, 3, 4, 5};
+    std::vector<int> got;
     testing::internal::CaptureStdout();
-    EXPECT_EQ(velmio::platform::reportOpenFailure("f", ENOENT, codes, true, 9), 1);
-    EXPECT_EQ(velmio::platform::reportOpenFailure("f", EMFILE, codes, true, 9), 2);
-    EXPECT_EQ(velmio::platform::reportOpenFailure("f", EACCES, codes, true, 9), 3);
-    EXPECT_EQ(velmio::platform::reportOpenFailure("f", ENOSPC, codes, true, 9), 4);
-    EXPECT_EQ(velmio::platform::reportOpenFailure("f", 0, codes, true, 9), 9);
-    EXPECT_EQ(velmio::platform::reportOpenFailure("f", EISDIR, codes, false, 9), 5);
+    for (int e : {ENOENT, EMFILE, EACCES, ENOSPC, 0}) got.push_back(reportOpenFailure("f", e, codes, true, 9));
+    got.push_back(reportOpenFailure("f", EISDIR, codes, false, 9));
+    EXPECT_EQ(got, std::vector<int>({1, 2, 3, 4, 9, 5}));
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "VELM IO was unable to find the data file 'f'\n"
               "VELM IO could not open 'f' because there are too many files open on the system.\n"
               "VELM IO could not open 'f' because access is denied by the system.\n"
               "VELM IO could not open 'f' because there is not enough disk space available.\n");
     testing::internal::CaptureStdout();
-    velmio::platform::reportOpenFailure("f", EISDIR, codes, true, 9);
+    reportOpenFailure("f", EISDIR, codes, true, 9);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "VELM IO could not open 'f'.  Windows returned the following error:\n\t" +
                   velmio::platform::systemMessage(EISDIR) + "\n");

@@ -45,6 +45,19 @@ TEST(SimpleSensorWrite, HeaveFilesMatchTheLayout) {
                           readFile(dir.file("HeaveTmIdx"))));
 }
 
+// The first record fixes the references: from then on a writer that is killed
+// leaves a summary that decodes, with the count as it stood.
+TEST(SimpleSensorWrite, SummaryIsOnDiskOnceTheFirstRecordFixesTheReferences) {
+    TempDir dir;
+    TOVO_Sensor *h = open(dir, L"create");
+    ASSERT_NE(h, nullptr);
+    ASSERT_EQ(GyroSeqWrite(h, 100.0, 0.5, 0x10), 0);
+    ASSERT_EQ(GyroSeqWrite(h, 100.5, -0.25, 0), 0);
+    EXPECT_TRUE(SameBytes(words({kTovo, 1, 1, 1, 0, 1, 1000, 2, -20000, -20000, 5000000, 5000000}),
+                          readFile(dir.file("Gyro"))));
+    EXPECT_EQ(GyroClose(h), 0);
+}
+
 TEST(SimpleSensorWrite, ClosingWithoutRecordsLeavesNoFiles) {
     TempDir dir;
     writeGyroLine(dir);  // an earlier write of the line that the create replaces

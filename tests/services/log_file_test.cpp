@@ -10,6 +10,12 @@ using namespace velmio::test;
 
 namespace {
 std::string logOf(const TempDir &dir) { return dir.file("LogFile"); }
+// The status of an open that must fail.
+int refusedOpen(const wchar_t *dir, const wchar_t *mode) {
+    int status = 0;
+    EXPECT_EQ(nullptr, LogFileOpen(dir, mode, &status));
+    return status;
+}
 }  // namespace
 
 TEST(LogFile, WriteTwiceAppendsBothTextsEachWithALineFeed) {
@@ -22,23 +28,17 @@ TEST(LogFile, WriteTwiceAppendsBothTextsEachWithALineFeed) {
 
 TEST(LogFile, MissingArgumentsUnopenableDirectoriesAndModesGiveTheirCodes) {
     TempDir dir;
-    int status = 0;
-    EXPECT_EQ(nullptr, LogFileOpen(nullptr, L"a", &status));
-    EXPECT_EQ(5017200, status);
-    EXPECT_EQ(nullptr, LogFileOpen(dir.wpath().c_str(), nullptr, &status));
-    EXPECT_EQ(5017201, status);
+    EXPECT_EQ(5017200, refusedOpen(nullptr, L"a"));
+    EXPECT_EQ(5017201, refusedOpen(dir.wpath().c_str(), nullptr));
     EXPECT_EQ(nullptr, LogFileOpen(nullptr, nullptr, nullptr));  // no status wanted
     writeText(dir.file("plainfile"), "x");
     EXPECT_EQ(5000049, WriteToVELMLogFile(dir.wfile("missing").c_str(), L"text"));
     EXPECT_EQ(5000049, WriteToVELMLogFile(dir.wfile("plainfile").c_str(), L"text"));
     EXPECT_EQ(5000049, WriteToVELMLogFile(nullptr, L"text"));
     EXPECT_EQ(-1, WriteToVELMLogFile(dir.wpath().c_str(), nullptr));
-    EXPECT_EQ(nullptr, LogFileOpen(dir.wfile("no/such/dir").c_str(), L"a", &status));
-    EXPECT_EQ(5017202, status);
-    EXPECT_EQ(nullptr, LogFileOpen(dir.wpath().c_str(), L"r", &status));  // no log there yet
-    EXPECT_EQ(5017202, status);
-    EXPECT_EQ(nullptr, LogFileOpen(dir.wpath().c_str(), L"a\u00e9", &status));
-    EXPECT_EQ(5017202, status);
+    EXPECT_EQ(5017202, refusedOpen(dir.wfile("no/such/dir").c_str(), L"a"));
+    EXPECT_EQ(5017202, refusedOpen(dir.wpath().c_str(), L"r"));  // no log there yet
+    EXPECT_EQ(5017202, refusedOpen(dir.wpath().c_str(), L"a\u00e9"));
     EXPECT_FALSE(fileExists(logOf(dir)));
 }
 

@@ -87,7 +87,7 @@ TEST(MessageBundle, MissingKeyOrBundleGivesMinusOneAndAnEmptyResult) {
     EXPECT_EQ(-1, VELMIOUtils::findErrorMessage(1234567, text));
 }
 
-TEST(MessageBundle, ExplicitBundleIsFoundBesideTheProgramOrAtItsPath) {
+TEST(MessageBundle, BundleIsFoundBesideTheProgramAtItsPathOrElseInTheBuild) {
     MORVAUString text;
     ASSERT_EQ(0, VELMIOUtils::findResourceString(L"Greeting", text, L"VelmTestMessages"));
     EXPECT_EQ(MORVAUString(L"Gr\u00fc\u00dfe aus dem Testb\u00fcndel"), text);
@@ -99,6 +99,10 @@ TEST(MessageBundle, ExplicitBundleIsFoundBesideTheProgramOrAtItsPath) {
     MORVAUString directory;
     ASSERT_TRUE(VELMIOUtils::findMessageBundleDirectory(L"VelmTestMessages", directory));
     EXPECT_EQ(programDirectory() + "/VelmTestMessages", directory.toUtf8());
+    ASSERT_TRUE(VELMIOUtils::findMessageBundleDirectory(MORVAUString(), directory));  // the default one
+    EXPECT_EQ(fs::weakly_canonical(VELMIO_TEST_MESSAGE_DIR), fs::weakly_canonical(directory.toUtf8()));
+    EXPECT_FALSE(VELMIOUtils::findMessageBundleDirectory(L"NoSuchBundle", directory));
+    EXPECT_TRUE(directory.empty());
 
     // A bundle given as a directory path is opened there.
     TempDir dir;
@@ -106,14 +110,6 @@ TEST(MessageBundle, ExplicitBundleIsFoundBesideTheProgramOrAtItsPath) {
     fs::copy_file(programDirectory() + "/VelmTestMessages/root.res", dir.file("Copy/root.res"));
     ASSERT_EQ(0, VELMIOUtils::findResourceString(L"Greeting", text, dir.wpath() + L"\\Copy"));
     EXPECT_EQ(MORVAUString(L"Gr\u00fc\u00dfe aus dem Testb\u00fcndel"), text);
-}
-
-TEST(MessageBundle, DefaultBundleComesFromTheBuildWhenNotBesideTheProgram) {
-    MORVAUString directory;
-    ASSERT_TRUE(VELMIOUtils::findMessageBundleDirectory(MORVAUString(), directory));
-    EXPECT_EQ(fs::weakly_canonical(VELMIO_TEST_MESSAGE_DIR), fs::weakly_canonical(directory.toUtf8()));
-    EXPECT_FALSE(VELMIOUtils::findMessageBundleDirectory(L"NoSuchBundle", directory));
-    EXPECT_TRUE(directory.empty());
 }
 
 TEST(MessageBundle, EveryCodeInTheLibrarySourcesHasAMessage) {

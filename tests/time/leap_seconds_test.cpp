@@ -74,14 +74,7 @@ TEST(LeapSeconds, TableAgreesWithTzdataFrom1980To2009) {
 }
 
 TEST(LeapSeconds, TableKeepsItsGapAndKnowsNothingAfter2009) {
-    EXPECT_EQ(TmGetTAIUTCOffset(1975, 100), 19);
-    EXPECT_EQ(TmGetTAIUTCOffset(1981, 181), 19);
-    EXPECT_EQ(TmGetTAIUTCOffset(1981, 182), 20);
-    EXPECT_EQ(TmGetTAIUTCOffset(2006, 200), 33);  // in the gap between the last two rows
-    EXPECT_EQ(TmGetTAIUTCOffset(2007, 100), 33);
-    EXPECT_EQ(TmGetTAIUTCOffset(2009, 1), 34);
-    EXPECT_EQ(TmGetTAIUTCOffset(2009, 300), 34);
-    EXPECT_EQ(TmGetTAIUTCOffset(2015, 1), 34);
-    EXPECT_EQ(TmGetTAIUTCOffset(2030, 1), 34);
-    EXPECT_EQ(TmGetTAIUTCOffset(2147483, 999), 34);
+    // (year, day, TAI-UTC); 2006-200 lies in the gap between the last two rows.
+    const int cases[][3] = {{1975, 100, 19}, {2006, 200, 33}, {2009, 300, 34}, {2030, 1, 34}, {2147483, 999, 34}};
+    for (const auto &c : cases) EXPECT_EQ(TmGetTAIUTCOffset(c[0], c[1]), c[2]) << c[0] << "-" << c[1];
 }

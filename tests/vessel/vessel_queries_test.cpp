@@ -8,6 +8,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 using namespace velmio::test;
 
@@ -16,6 +17,7 @@ namespace {
 // ready during static initialisation of another file.
 double t0() { return TmYDStoUTCs80(2004, 100, 0.0); }
 constexpr double kDeg = 0.017453292519943295;
+using V = std::vector<double>;
 
 // A vessel file holding one entry of each kind the queries read, at t0().
 std::wstring writeVessel(const TempDir &dir, const std::string &depthClass = "Swath") {
@@ -98,7 +100,7 @@ TEST(VesselQueries, EachQueryTellsAMissingKindFromATimeBeforeItsFirstEntry) {
     }
 }
 
-TEST(VesselQueries, GyroQueryReturnsCopiesAndTheOffsetAtAzimuthZeroInRadians) {
+TEST(VesselQueries, AnglesLeaveInRadiansOffsetsAsHeldAndTextsAsCopies) {
     TempDir dir;
     Vessel vessel = openVessel(writeVessel(dir));
     double entryTime, r1 = 9, r2 = 9, r3 = 9, latency, offset;
@@ -107,22 +109,15 @@ TEST(VesselQueries, GyroQueryReturnsCopiesAndTheOffsetAtAzimuthZeroInRadians) {
     ASSERT_EQ(VesselGyroSensorTmIdxConfig(vessel.get(), t0() + 100.0, &entryTime, &manufacturer, &model, &serial, &r1,
                                           &r2, &r3, &latency, &offset, &apply, &comment, &authorization),
               0);
-    EXPECT_EQ(entryTime, t0());
+    EXPECT_EQ(V({entryTime, r1, r2, r3, latency, double(apply)}), V({t0(), 0, 0, 0, 0.01, 1}));
+    EXPECT_DOUBLE_EQ(offset, 0.03490658503988659);
     EXPECT_EQ(manufacturer, nullptr);  // unset texts stay null
+    EXPECT_EQ(authorization, nullptr);
     EXPECT_STREQ(model, L"Gy");
     EXPECT_STREQ(comment, L"c");
-    EXPECT_EQ(authorization, nullptr);
-    EXPECT_EQ(r1 + r2 + r3, 0.0);
-    EXPECT_EQ(latency, 0.01);
-    EXPECT_DOUBLE_EQ(offset, 0.03490658503988659);
-    EXPECT_EQ(apply, 1);
     std::free(model);
     std::free(comment);
-}
 
-TEST(VesselQueries, AttitudeAndProbeAnglesLeaveInRadiansOffsetsAsHeld) {
-    TempDir dir;
-    Vessel vessel = openVessel(writeVessel(dir));
     double pitch = 0, roll = 0;
     ASSERT_EQ(VesselPitchSensorTmIdxConfig(vessel.get(), t0(), nullptr, nullptr, nullptr, nullptr, nullptr, &pitch,
                                            nullptr, nullptr, nullptr),
@@ -140,19 +135,15 @@ TEST(VesselQueries, AttitudeAndProbeAnglesLeaveInRadiansOffsetsAsHeld) {
               0);
     EXPECT_DOUBLE_EQ(azimuth, 180 * kDeg);
     EXPECT_DOUBLE_EQ(roll2, 45 * kDeg);
-    EXPECT_EQ(z2, 7.0);
-    EXPECT_EQ(dual, 1);
+    EXPECT_EQ(V({z2, double(dual)}), V({7, 1}));
     ASSERT_EQ(VesselHeaveSensorTmIdxConfig(vessel.get(), t0(), nullptr, nullptr, nullptr, nullptr, &x, nullptr,
                                            nullptr, nullptr, &heave, nullptr, nullptr, nullptr),
               0);
-    EXPECT_EQ(x, 1.0);
-    EXPECT_EQ(heave, 4.0);
+    EXPECT_EQ(V({x, heave}), V({1, 4}));
 
     double height, stdDev;
-    wchar_t *authorization = nullptr;
     ASSERT_EQ(VesselRPTmIdxConfig(vessel.get(), t0(), nullptr, &height, &stdDev, nullptr, &authorization), 0);
-    EXPECT_EQ(height, 1.5);
-    EXPECT_EQ(stdDev, 0.1);
+    EXPECT_EQ(V({height, stdDev}), V({1.5, 0.1}));
     EXPECT_STREQ(authorization, L"a");
     VELMIO_free(authorization);
 
@@ -161,8 +152,8 @@ TEST(VesselQueries, AttitudeAndProbeAnglesLeaveInRadiansOffsetsAsHeld) {
     ASSERT_EQ(VesselDraftTmIdxConfig(vessel.get(), t0(), nullptr, &rows, &speeds, &drafts, nullptr, nullptr, nullptr),
               0);
     ASSERT_EQ(rows, 2);
-    EXPECT_EQ(speeds[0], 2.0);
-    EXPECT_EQ(drafts[1], 0.3);
+    EXPECT_EQ(V(speeds, speeds + 2), V({2, 8}));
+    EXPECT_EQ(V(drafts, drafts + 2), V({0.1, 0.3}));
     std::free(speeds);
     std::free(drafts);
 }
@@ -182,15 +173,10 @@ TEST(VesselQueries, SwathDepthGivesTwoHeadsAndTheirBeamCounts) {
               0);
     EXPECT_STREQ(sensorClass, L"Swath");
     EXPECT_STREQ(model, L"M1");
-    EXPECT_EQ(count, 2);
-    EXPECT_EQ(firstHead, 100);
-    EXPECT_EQ(total, 200);
-    EXPECT_EQ(x1, 1.0);
+    EXPECT_EQ(std::vector<int>({count, firstHead, total}), std::vector<int>({2, 100, 200}));
+    EXPECT_EQ(V({x1, latency1, x2, latency2}), V({1, 0.5, 2, 0.25}));
     EXPECT_DOUBLE_EQ(pitch1, 10 * kDeg);
-    EXPECT_EQ(latency1, 0.5);
-    EXPECT_EQ(x2, 2.0);
     EXPECT_DOUBLE_EQ(roll2, -20 * kDeg);
-    EXPECT_EQ(latency2, 0.25);
     EXPECT_EQ(sweepX, nullptr);
     std::free(sensorClass);
     std::free(model);
@@ -209,18 +195,14 @@ TEST(VesselQueries, SweepDepthInAnyCaseGivesPerTransducerArrays) {
               0);
     ASSERT_EQ(count, 2);
     EXPECT_EQ(x1, 0.0);  // single-head outputs stay cleared
-    EXPECT_EQ(x[0], 1.0);
-    EXPECT_EQ(x[1], 2.0);
+    EXPECT_EQ(V({x[0], x[1], latency[0], latency[1]}), V({1, 2, 0.5, 0.25}));
     EXPECT_DOUBLE_EQ(pitch[0], 10 * kDeg);
-    EXPECT_EQ(latency[1], 0.25);
     std::free(x), std::free(pitch), std::free(latency);
 
     double *fixed = nullptr, *gyro = nullptr, *squat = nullptr, *roll = nullptr, *lat = nullptr;
     ASSERT_EQ(VesselSweepTPETmIdxConfig(vessel.get(), t0(), &count, &fixed, &gyro, nullptr, &squat, nullptr), 0);
-    EXPECT_EQ(fixed[0], 1.0);
+    EXPECT_EQ(V({fixed[0], squat[0], squat[1]}), V({1, 100, 50}));
     EXPECT_DOUBLE_EQ(gyro[0], 180 * kDeg);
-    EXPECT_EQ(squat[0], 100.0);
-    EXPECT_EQ(squat[1], 50.0);
     ASSERT_EQ(VesselDepthSensorOrientationTmIdxConfig(vessel.get(), t0(), &count, nullptr, &roll, nullptr), 0);
     EXPECT_DOUBLE_EQ(roll[1], -20 * kDeg);
     ASSERT_EQ(VesselDepthSensorLatencyTmIdxConfig(vessel.get(), t0(), &count, &lat), 0);
