@@ -3,6 +3,7 @@
 
 #include "linestore/sensor.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 
 #include <algorithm>
 #include <climits>
@@ -179,8 +180,9 @@ VELMIO_API int readRecord(VELMBlockReader *handle, unsigned int recordNumber) {
     // A short read leaves the records beyond it shorter, so that reads of
     // them fail instead of returning stale bytes.
     r.length = 0;
-    if (blockLength > 0 && std::fseek(r.sensor->dataFile, static_cast<long>(start), SEEK_SET) == 0)
-        r.length = std::fread(r.block, 1, static_cast<std::size_t>(blockLength), r.sensor->dataFile);
+    std::FILE *data = r.sensor->dataFile;
+    if (blockLength > 0 && velmio::platform::seekFile(data, static_cast<long>(start), SEEK_SET) == 0)
+        r.length = velmio::platform::readFile(r.block, 1, static_cast<std::size_t>(blockLength), data);
     r.slot = 0;
     r.position = 0;
     return 0;

@@ -34,6 +34,8 @@ constexpr SummaryField kSummary[] = {
 constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
 static_assert(kSummaryWords <= kMaxSummaryWords && 24 <= kMaxRecordBytes, "the engine's buffers hold these records");
 
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents);
+
 const ProfileFamily kObservedDepths = {
     {
         5000200,                // code block
@@ -55,6 +57,8 @@ const ProfileFamily kObservedDepths = {
     4,                          // type (ObservedDepthsNew is recorded as 4 too)
     kOutOfRange,
     true,                       // family state checked before the type
+    false,                      // time bounds come from the beams only
+    widenByBeam,
 };
 
 int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enterProfile(h, kObservedDepths, modes, s); }
@@ -91,6 +95,12 @@ Beam decodeBeam(const ProfileState &s, const std::uint32_t *w) {
         b.extra = 0.0;
     }
     return b;
+}
+
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    const Beam b = decodeBeam(s, w);
+    extents[kTime].widen(b.time);
+    extents[kDepth].widen(b.depth);
 }
 
 void fillBeam(const Beam &b, double *time, double *y, double *x, double *depth, double *extra,
@@ -150,6 +160,8 @@ int editBeam(TOVO_Sensor *h, std::uint32_t profile, std::uint32_t beam, Change c
 }
 
 }  // namespace
+
+const ProfileFamily &velmio::observedDepthsProfiles() { return kObservedDepths; }
 
 extern "C" {
 

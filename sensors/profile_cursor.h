@@ -27,10 +27,17 @@ enum ModeMask : unsigned {
 };
 bool modeAllowed(const TOVO_Sensor &h, unsigned modes);
 
+class ProfileState;
+
 struct ProfileFamily : EngineFamily {
     std::uint32_t typeId;
     int beamRangeReason;    // kOutOfRange, or TPE's own 28
     bool stateCheckedFirst; // observed depths: family state before type
+    // Salvage rebuilds the bounds from the records: whether a header's time
+    // bounds the time extent, and what one beam's words widen (its time
+    // among them; s.profileTime is its profile's).
+    bool headerTimeBound;
+    void (*widenByBeam)(const ProfileState &s, const std::uint32_t *words, Extent *extents);
 };
 
 struct ProfileHeader {
@@ -78,6 +85,11 @@ int enterProfile(TOVO_Sensor *h, const ProfileFamily &f, unsigned modes, Profile
 
 // True for a handle that writes a new file: create, or an unknown token.
 inline bool isWriting(const TOVO_Sensor &h) { return isCreate(h); }
+
+// The tables of the families, for salvaging their lines.
+const ProfileFamily &observedDepthsProfiles();
+const ProfileFamily &slantRangeProfiles();
+const ProfileFamily &tpeProfiles();
 
 // Opens through SensorOpenDir with openId and builds the handle: create mode
 // writes the validation record and reserves the summary; read modes read

@@ -99,6 +99,9 @@ int writeRecord(TOVO_Sensor &h, SimpleSensorState &s, double time, double value,
 }
 
 }  // namespace
+
+const RecordFamily &simpleSensorRecords() { return kSimple; }
+
 }  // namespace velmio
 
 using namespace velmio;

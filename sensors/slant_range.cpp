@@ -30,6 +30,10 @@ constexpr SummaryField kSummary[] = {
 constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
 static_assert(kSummaryWords <= kMaxSummaryWords && 20 <= kMaxRecordBytes, "the engine's buffers hold these records");
 
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    extents[kTime].widen(beamTime(s, s.profileTime, w[0]));
+}
+
 const ProfileFamily kSlantRange = {
     {
         5001900,
@@ -50,6 +54,8 @@ const ProfileFamily kSlantRange = {
     30,
     kOutOfRange,
     false,
+    true,
+    widenByBeam,
 };
 
 int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enterProfile(h, kSlantRange, modes, s); }
@@ -90,6 +96,8 @@ bool withinBeamTotal(const ProfileState &s, std::uint32_t profile) {
 }
 
 }  // namespace
+
+const ProfileFamily &velmio::slantRangeProfiles() { return kSlantRange; }
 
 extern "C" {
 

@@ -50,6 +50,12 @@ constexpr SummaryField kSummary[] = {
 constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
 static_assert(kSummaryWords <= kMaxSummaryWords && 16 <= kMaxRecordBytes, "the engine's buffers hold these records");
 
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    extents[kTime].widen(beamTime(s, s.profileTime, w[0]));
+    extents[kError1].widen(decodeError(w[1]));
+    extents[kError2].widen(decodeError(w[2]));
+}
+
 const ProfileFamily kTpe = {
     {
         5002700,
@@ -70,6 +76,8 @@ const ProfileFamily kTpe = {
     52,
     kOwnBeamRange,
     false,
+    true,
+    widenByBeam,
 };
 
 class TpeState : public ProfileState {
@@ -152,6 +160,8 @@ bool withinBeamTotal(const ProfileState &s, std::uint32_t profile) {
 }
 
 }  // namespace
+
+const ProfileFamily &velmio::tpeProfiles() { return kTpe; }
 
 extern "C" {
 
