@@ -28,10 +28,30 @@ int readProfiles(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, st
     return 0;
 }
 
+// At most how many beams profiles first .. first + count - 1 hold, from the
+// time index alone: a header's beams must end before the next profile (or
+// the end of the file), which loadHeader checks. UINT64_MAX when the index
+// cannot tell.
+inline std::uint64_t beamBound(TOVO_Sensor &h, const ProfileState &s, std::uint32_t first, std::uint32_t count) {
+    constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
+    std::uint32_t start = 0, next = 0;
+    if (s.geometry.itemBytes == 0 || h.timeIndex.map(first, start) != 0) return kUnknown;
+    std::uint64_t end = s.fileSize < 0 ? 0 : static_cast<std::uint64_t>(s.fileSize);
+    if (std::uint64_t{first} + count <= h.recordCount) {
+        if (h.timeIndex.map(first + count, next) != 0) return kUnknown;
+        end = next;
+    }
+    const std::uint64_t headers = std::uint64_t{count} * s.geometry.headerBytes;
+    if (end < start || end - start < headers) return kUnknown;
+    return (end - start - headers) / s.geometry.itemBytes;
+}
+
 // beamsOf(profile, beams, firstBeam) reads a header's numbering;
 // readBeam(profile, beam, k) fills flat slot k. The beam total is known
 // before anything is written, so a range that does not fit the caller's
-// arrays leaves them untouched.
+// arrays leaves them untouched: from the time index when it shows the
+// range fits (each header is then read once), else by reading every header
+// before the beams.
 template <class BeamsOf, class ReadBeam>
 int readBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
               std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, ReadBeam readBeam) {
@@ -39,12 +59,14 @@ int readBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::
     if (const int rc = enterProfile(h, f, kReadModes, s)) return rc;
     if (count == 0) return 0;
     if (!profilesInRange(*h, first, count)) return f.code(kOutOfRange);
-    std::uint64_t total = 0;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        std::uint32_t beams = 0, firstBeam = 0;
-        if (const int rc = beamsOf(first + i, beams, firstBeam)) return rc;
-        total += beams;
-        if (total > beamCapacity) return f.code(kOutOfRange);
+    if (beamBound(*h, *s, first, count) > beamCapacity) {
+        std::uint64_t total = 0;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            std::uint32_t beams = 0, firstBeam = 0;
+            if (const int rc = beamsOf(first + i, beams, firstBeam)) return rc;
+            total += beams;
+            if (total > beamCapacity) return f.code(kOutOfRange);
+        }
     }
     std::uint32_t k = 0;
     for (std::uint32_t i = 0; i < count; ++i) {
