@@ -153,27 +153,30 @@ int TimeIndex::map(std::uint32_t recordNumber, std::uint32_t &byteOffset) const 
 }
 
 int TimeIndex::writeTo(std::FILE *file, std::uint32_t typeId, std::uint32_t formatVersion) {
-    // The header and set headers in one write, then each set's array in one.
+    // The header and set headers in one write, then each set's array in one,
+    // each sized once and filled in place.
     std::vector<unsigned char> out;
-    auto put = [&out](std::uint32_t word) {
-        const std::size_t at = out.size();
-        out.resize(at + 4);
-        storeBe32(&out[at], word);
-    };
-    auto emit = [&out, file]() {
-        const bool ok = std::fwrite(out.data(), 1, out.size(), file) == out.size();
-        out.clear();
-        return ok;
-    };
+    auto emit = [&out, file]() { return std::fwrite(out.data(), 1, out.size(), file) == out.size(); };
     try {
+        std::size_t sets = 0;
+        for (_TOVO_TmIdxSet *s = first_; s; s = s->next) ++sets;
+        out.resize(4 * (6 + 3 * sets));
+        unsigned char *p = out.data();
+        auto put = [&p](std::uint32_t word) {
+            storeBe32(p, word);
+            p += 4;
+        };
         for (std::uint32_t word : {kMagic, typeId, kRecordVersion, formatVersion, setCount_, capacity_}) put(word);
         for (_TOVO_TmIdxSet *s = first_; s; s = s->next) {
             put(s->count);
             put(static_cast<std::uint32_t>(s->minTime));
             put(static_cast<std::uint32_t>(s->maxTime));
         }
+        out.resize(static_cast<std::size_t>(p - out.data()));
         if (!emit()) return kTmIdxWriteFailed;
         for (_TOVO_TmIdxSet *s = first_; s; s = s->next) {
+            out.resize(4 + 8 * std::size_t{s->count});
+            p = out.data();
             put(s->count);
             for (std::uint32_t i = 0; i < s->count; ++i) {
                 put(static_cast<std::uint32_t>(s->entries[i].encodedTime));

@@ -390,7 +390,7 @@ int writeRecord(TOVO_Sensor *h, NavigationState *s, double time, double latitude
     for (int k = 0; k < 5; ++k) storeBe32(s->record + 4 * k, static_cast<std::uint32_t>(words[k]));
     if (int rc = finishRecord(*h, *s)) return rc;
     const double values[3] = {time, latitude, longitude};
-    widenExtents(*h, values, 3);
+    widenExtents(*h, values);
     ++s->written;
     return first ? referencesFixed(*h, *s) : 0;
 }

@@ -151,7 +151,14 @@ int openEngine(TOVO_Sensor *h, EngineState *state);
 
 // Create mode: the time index entry of the record or profile about to be
 // appended, at the offset it will have.
-int appendIndexEntry(TOVO_Sensor &h, EngineState &s, std::int32_t encodedTime);
+int indexEntryFailed(const EngineState &s);
+inline int appendIndexEntry(TOVO_Sensor &h, EngineState &s, std::int32_t encodedTime) {
+    // Offsets are 32-bit in the index: a data file beyond 4 GiB cannot be indexed.
+    const std::uint64_t offset = s.appender.offset();
+    if (offset > 0xFFFFFFFFu || h.timeIndex.append(encodedTime, static_cast<std::uint32_t>(offset)) != 0)
+        return indexEntryFailed(s);
+    return 0;
+}
 // Create mode, once the first record has fixed the references: writes the
 // summary as it stands, so that a writer killed later leaves a data file
 // whose summary decodes.

@@ -61,12 +61,24 @@ int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32
 
 // Starts a record of the encoded time: its time index entry at the offset
 // the record will have.
-int beginRecord(TOVO_Sensor &h, RecordState &s, std::int32_t encodedTime);
+inline int beginRecord(TOVO_Sensor &h, RecordState &s, std::int32_t encodedTime) {
+    return appendIndexEntry(h, s, encodedTime);
+}
 // Appends the filled record buffer.
-int finishRecord(TOVO_Sensor &h, RecordState &s);
+inline int finishRecord(TOVO_Sensor &, RecordState &s) {
+    if (!s.appender.append(s.record, s.records.recordSize())) return s.family.code(kWriteFailed);
+    return 0;
+}
 
 // Widens the summary and the current segment's extents by the raw values.
-void widenExtents(TOVO_Sensor &h, const double *values, int count);
+template <int Count>
+void widenExtents(TOVO_Sensor &h, const double (&values)[Count]) {
+    _TOVO_LnSeg *segment = h.lastSegment;
+    for (int k = 0; k < Count; ++k) {
+        h.extents[k].widen(values[k]);
+        if (segment) segment->extents[k].widen(values[k]);
+    }
+}
 
 int saveStatusToDisk(TOVO_Sensor &h, RecordState &s);
 // Finishes and releases the handle whatever happens; the first failure's code.

@@ -93,7 +93,7 @@ int writeRecord(TOVO_Sensor &h, SimpleSensorState &s, double time, double value,
     storeBe32(s.record + 8, static_cast<std::uint32_t>(v));
     if (int rc = finishRecord(h, s)) return rc;
     const double values[2] = {time, value};
-    widenExtents(h, values, 2);
+    widenExtents(h, values);
     ++s.written;
     return first ? referencesFixed(h, s) : 0;
 }
