@@ -122,6 +122,13 @@ const RecordFamily kSSSNavigationRecords = {
     {nullptr, nullptr, nullptr, nullptr, nullptr},
 };
 
+}  // namespace
+
+// Both families' files have one layout; the twin's table reads them silently.
+const RecordFamily &navigationRecords() { return kSSSNavigationRecords; }
+
+namespace {
+
 enum Operation {
     kClose,
     kSummaryOp,

@@ -18,6 +18,8 @@ constexpr std::uint32_t kRejectionMask = VELMIO_OBSERVED_DEPTHS_REJECTION_MASK;
 constexpr int kTime = 0;   // extents of the handle and of each segment
 constexpr int kDepth = 1;
 
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents);
+
 constexpr SummaryField kSummary[] = {
     {SummaryWord::Status},
     {SummaryWord::FamilyWord0},  // tool type
@@ -55,6 +57,8 @@ const ProfileFamily kObservedDepths = {
     4,                          // type (ObservedDepthsNew is recorded as 4 too)
     kOutOfRange,
     true,                       // family state checked before the type
+    false,                      // time bounds come from the beams only
+    widenByBeam,
 };
 
 int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enterProfile(h, kObservedDepths, modes, s); }
@@ -91,6 +95,12 @@ Beam decodeBeam(const ProfileState &s, const std::uint32_t *w) {
         b.extra = 0.0;
     }
     return b;
+}
+
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    const Beam b = decodeBeam(s, w);
+    extents[kTime].widen(b.time);
+    extents[kDepth].widen(b.depth);
 }
 
 void fillBeam(const Beam &b, double *time, double *y, double *x, double *depth, double *extra,
@@ -419,3 +429,5 @@ VELMIO_API int ObservedDepthsNewRemoveDir(const wchar_t *lineDirectory) {
 }
 
 }  // extern "C"
+
+const ProfileFamily &velmio::observedDepthsProfiles() { return kObservedDepths; }

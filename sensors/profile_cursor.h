@@ -27,11 +27,23 @@ enum ModeMask : unsigned {
 };
 bool modeAllowed(const TOVO_Sensor &h, unsigned modes);
 
+class ProfileState;
+
 struct ProfileFamily : EngineFamily {
     std::uint32_t typeId;
     int beamRangeReason;    // kOutOfRange, or TPE's own 28
     bool stateCheckedFirst; // observed depths: family state before type
+    // Salvage rebuilds the bounds from the records: whether a header's time
+    // bounds the time extent, and what one beam's words widen (its time
+    // among them; s.profileTime is its profile's).
+    bool headerTimeBound;
+    void (*widenByBeam)(const ProfileState &s, const std::uint32_t *words, Extent *extents);
 };
+
+// The tables of the families, for salvaging their lines.
+const ProfileFamily &observedDepthsProfiles();
+const ProfileFamily &slantRangeProfiles();
+const ProfileFamily &tpeProfiles();
 
 struct ProfileHeader {
     std::uint32_t number = 0;  // 0: nothing cached

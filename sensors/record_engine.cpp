@@ -78,6 +78,8 @@ std::size_t encodeSummaryBlock(TOVO_Sensor &h, EngineState &s, unsigned char *ou
     return f.dataStart();
 }
 
+}  // namespace
+
 int readSummary(TOVO_Sensor &h, EngineState &s) {
     const EngineFamily &f = s.family;
     if (int rc = TOVO_ReadDataValidationRecord(&h)) {
@@ -122,6 +124,8 @@ int readSummary(TOVO_Sensor &h, EngineState &s) {
     }
     return 0;
 }
+
+namespace {
 
 int openExisting(TOVO_Sensor &h, EngineState &s) {
     if (int rc = readSummary(h, s)) return rc;

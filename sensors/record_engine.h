@@ -149,6 +149,11 @@ inline bool isUpdate(const TOVO_Sensor &h) { return h.accessMode == 3; }
 // and the code is returned.
 int openEngine(TOVO_Sensor *h, EngineState *state);
 
+// Decodes the validation record and the summary block of the data file
+// (through s.source) into the handle and the state, then checks scales and
+// counts against the file: 0 or the family's code (the words read stay set).
+int readSummary(TOVO_Sensor &h, EngineState &s);
+
 // Create mode: the time index entry of the record or profile about to be
 // appended, at the offset it will have.
 int indexEntryFailed(const EngineState &s);

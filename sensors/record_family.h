@@ -36,6 +36,10 @@ struct RecordState : EngineState {
     bool statusChanged = false;    // update: the status shadow holds edits
 };
 
+// The tables of the families, for salvaging their lines.
+const RecordFamily &simpleSensorRecords();
+const RecordFamily &navigationRecords();
+
 // Completes a handle fresh from SensorOpenDir (see openEngine) and, in
 // update mode, loads the status shadow. On failure the handle is released
 // and the code is returned.

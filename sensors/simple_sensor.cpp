@@ -49,6 +49,12 @@ const RecordFamily kSimple = {
     {nullptr, nullptr, nullptr, nullptr, nullptr},
 };
 
+}  // namespace
+
+const RecordFamily &simpleSensorRecords() { return kSimple; }
+
+namespace {
+
 struct SimpleSensorState : RecordState {
     SimpleSensorState() : RecordState(kSimple) {}
 };

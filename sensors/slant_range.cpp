@@ -16,6 +16,10 @@ namespace {
 
 constexpr int kTime = 0;
 
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    extents[kTime].widen(beamTime(s, s.profileTime, w[0]));
+}
+
 constexpr SummaryField kSummary[] = {
     {SummaryWord::Status},
     {SummaryWord::FamilyWord0},  // tool type
@@ -50,6 +54,8 @@ const ProfileFamily kSlantRange = {
     30,
     kOutOfRange,
     false,
+    true,
+    widenByBeam,
 };
 
 int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enterProfile(h, kSlantRange, modes, s); }
@@ -285,3 +291,5 @@ VELMIO_API int SLRangeUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumb
 VELMIO_API int SLRangeRemoveDir(const wchar_t *lineDirectory) { return SensorRemoveDir(lineDirectory, L"SLRange"); }
 
 }  // extern "C"
+
+const ProfileFamily &velmio::slantRangeProfiles() { return kSlantRange; }

@@ -27,6 +27,12 @@ constexpr int kError2 = 2;
 std::uint32_t encodeError(double value) { return asWord(truncToInt32(value * 1000.0)); }
 double decodeError(std::uint32_t word) { return asSigned(word) / 1000.0; }
 
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    extents[kTime].widen(beamTime(s, s.profileTime, w[0]));
+    extents[kError1].widen(decodeError(w[1]));
+    extents[kError2].widen(decodeError(w[2]));
+}
+
 constexpr SummaryField kSummary[] = {
     {SummaryWord::Status},
     {SummaryWord::FamilyWord0},  // the two tool types
@@ -70,6 +76,8 @@ const ProfileFamily kTpe = {
     52,
     kOwnBeamRange,
     false,
+    true,
+    widenByBeam,
 };
 
 class TpeState : public ProfileState {
@@ -383,3 +391,5 @@ VELMIO_API int TPESetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, u
 VELMIO_API int TPERemoveDir(const wchar_t *lineDirectory) { return SensorRemoveDir(lineDirectory, L"TPE"); }
 
 }  // extern "C"
+
+const ProfileFamily &velmio::tpeProfiles() { return kTpe; }
