@@ -105,7 +105,15 @@ std::unique_ptr<SvpFile> readProfile(const std::string &path) {
     int status = 0;
     std::unique_ptr<SvpFile> f(SvpFile::GetSvpFormat(name, status));
 #endif
-    if (f) f->ReadInData();
+    // A file that exists reads whole or stops at its first bad line;
+    // any other code means a reader lost track of what it was doing.
+    if (f) {
+        const int rc = f->ReadInData();
+        if (rc != 0 && rc != SvpFile::kUnreadableLine) {
+            std::fprintf(stderr, "svp_fuzz: ReadInData returned %d\n", rc);
+            std::abort();
+        }
+    }
     return f;
 }
 
