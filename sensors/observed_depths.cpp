@@ -268,19 +268,19 @@ VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstPr
                                        double *ys, double *xs, double *depths, double *extras,
                                        unsigned int *statuses) {
     auto beamsOf = angleProfileBeams(handle, ObservedDepthsReadProfile);
-    auto readBeam = [&](std::uint32_t p, std::uint32_t b, std::uint32_t k) {
-        double t, y, x, d, e;
-        unsigned int status;
-        if (const int rc = ObservedDepthsRead(handle, p, b, &t, &y, &x, &d, &e, &status)) return rc;
-        if (times) times[k] = t;
-        if (ys) ys[k] = y;
-        if (xs) xs[k] = x;
-        if (depths) depths[k] = d;
-        if (extras) extras[k] = e;
-        if (statuses) statuses[k] = status;
-        return 0;
+    const ProfileState *s = stateOf<ProfileState>(handle, kObservedDepths);
+    auto decode = [&](const std::uint32_t *words, std::uint32_t k) {
+        const Beam b = decodeBeam(*s, words);
+        if (times) times[k] = b.time;
+        if (ys) ys[k] = b.y;
+        if (xs) xs[k] = b.x;
+        if (depths) depths[k] = b.depth;
+        if (extras) extras[k] = b.extra;
+        if (statuses) statuses[k] = b.status;
     };
-    return readBeams(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readBeam);
+    auto readable = [](std::uint32_t) { return true; };  // the range check covers it
+    return readBeamsInPlace(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf,
+                            readable, decode);
 }
 
 VELMIO_API int ObservedDepthsBgnSeqWriteSummary(TOVO_Sensor *handle) {
