@@ -81,14 +81,14 @@ struct Beam {
 
 Beam decodeBeam(const ProfileState &s, const std::uint32_t *w) {
     Beam b;
-    b.depth = TOVO_DecodeMeters(asSigned(w[1]));
-    b.x = TOVO_DecodeMeters(asSigned(w[2]));
-    b.y = TOVO_DecodeMeters(asSigned(w[3]));
+    b.depth = decodeMetres(asSigned(w[1]));
+    b.x = decodeMetres(asSigned(w[2]));
+    b.y = decodeMetres(asSigned(w[3]));
     if (s.geometry.countOnlyLayout) {
         // Version 1: the whole first unit is status, the offset has its own.
         b.status = w[0];
-        b.time = TOVO_DecodeDepthTime(s.profileTime, s.depthTimeScale, asSigned(w[4]));
-        b.extra = TOVO_DecodeMeters(asSigned(w[5]));
+        b.time = decodeDepthTime(s.profileTime, s.depthTimeScale, asSigned(w[4]));
+        b.extra = decodeMetres(asSigned(w[5]));
     } else {
         b.status = w[0] & 0xFFFF0000u;
         b.time = beamTime(s, s.profileTime, w[0]);

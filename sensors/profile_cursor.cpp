@@ -85,10 +85,6 @@ std::uint32_t statusAndOffset(const ProfileState &s, double time, std::uint32_t 
     return (asWord(offset) & 0xFFFFu) | status;
 }
 
-double beamTime(const ProfileState &s, double profileTime, std::uint32_t word1) {
-    const auto offset = static_cast<std::int16_t>(word1 & 0xFFFFu);
-    return TOVO_DecodeDepthTime(profileTime, s.depthTimeScale, offset);
-}
 
 int beginProfile(TOVO_Sensor &h, ProfileState &s, std::uint32_t beams, std::uint32_t firstBeam, double time,
                  std::uint32_t status, const std::uint32_t *extra, unsigned extraCount, bool widenTime) {

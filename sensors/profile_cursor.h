@@ -115,7 +115,9 @@ int endProfile(TOVO_Sensor &h, ProfileState &s);
 // Word 1 of a beam: status bits over the 16-bit time offset from the ping.
 std::uint32_t statusAndOffset(const ProfileState &s, double beamTime, std::uint32_t status);
 // The beam time that word 1 carries.
-double beamTime(const ProfileState &s, double profileTime, std::uint32_t word1);
+inline double beamTime(const ProfileState &s, double profileTime, std::uint32_t word1) {
+    return decodeDepthTime(profileTime, s.depthTimeScale, static_cast<std::int16_t>(word1 & 0xFFFFu));
+}
 
 // The operations every profile family has in the same form: the family's
 // entry checks and codes, then the shared effect. The tool type words are

@@ -142,6 +142,13 @@ State *stateOf(const TOVO_Sensor *h, const EngineFamily &f) {
 inline bool isCreate(const TOVO_Sensor &h) { return h.accessMode != 2 && h.accessMode != 3; }
 inline bool isUpdate(const TOVO_Sensor &h) { return h.accessMode == 3; }
 
+// The arithmetic of TOVO_DecodeMeters and TOVO_DecodeDepthTime inline, for
+// the record loops: the same operations give the same values.
+inline double decodeMetres(std::int32_t unit) { return unit / 1000.0; }
+inline double decodeDepthTime(double reference, std::int32_t scale, std::int32_t unit) {
+    return static_cast<double>(unit) / scale + reference;
+}
+
 // Completes a handle fresh from SensorOpenDir: installs the state, then
 // writes the validation record and a blank summary (create), or reads and
 // checks the summary, the line segments and the time index. On failure the

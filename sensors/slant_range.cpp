@@ -72,7 +72,7 @@ double unpackAngle(std::uint32_t half) { return static_cast<std::int16_t>(half &
 void fillBeam(const TOVO_Sensor &, const ProfileState &s, const std::uint32_t *w, double *time, double *range,
               double *value, double *angle1, double *angle2, unsigned int *status) {
     *time = beamTime(s, s.profileTime, w[0]);
-    *range = TOVO_DecodeMeters(asSigned(w[1]));
+    *range = decodeMetres(asSigned(w[1]));
     *value = asSigned(w[2]) / 1000000.0;
     *angle1 = unpackAngle(w[3] >> 16);
     *angle2 = unpackAngle(w[3]);
