@@ -27,6 +27,8 @@ int encodeExtent(const TOVO_Sensor &h, ExtentKind kind, double v) {
     case ExtentKind::Longitude: return TOVO_EncodePosition(v, h.referenceLongitude, h.positionScale);
     case ExtentKind::Metres: return TOVO_EncodeMeters(v);
     case ExtentKind::Thousandths: return truncToInt32(v * 1000.0);
+    case ExtentKind::Whole:  // held within the range, so that an empty extent stays empty
+        return v >= 2147483647.0 ? 2147483647 : v <= -2147483648.0 ? -2147483647 - 1 : v == v ? static_cast<int>(v) : 0;
     }
     return 0;
 }
@@ -39,6 +41,7 @@ double decodeExtent(const TOVO_Sensor &h, ExtentKind kind, int unit) {
     case ExtentKind::Longitude: return TOVO_DecodePosition(h.referenceLongitude, h.positionScale, unit);
     case ExtentKind::Metres: return TOVO_DecodeMeters(unit);
     case ExtentKind::Thousandths: return unit / 1000.0;
+    case ExtentKind::Whole: return unit;
     }
     return 0.0;
 }

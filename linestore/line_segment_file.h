@@ -13,8 +13,9 @@ namespace velmio {
 // How an extent travels: times against the reference time and time scale,
 // values through the handle's value encoder, latitudes and longitudes against
 // their reference positions and the position scale, metres as millimetres,
-// error estimates as thousandths truncated toward zero.
-enum class ExtentKind { Time, Value, Latitude, Longitude, Metres, Thousandths };
+// error estimates as thousandths truncated toward zero, whole numbers (side
+// scan amplitudes) as they are.
+enum class ExtentKind { Time, Value, Latitude, Longitude, Metres, Thousandths, Whole };
 
 int encodeExtent(const TOVO_Sensor &h, ExtentKind kind, double v);
 double decodeExtent(const TOVO_Sensor &h, ExtentKind kind, int unit);

@@ -164,7 +164,9 @@ extern "C" VELMIO_API int SensorFree(TOVO_Sensor *handle) {
     handle->timeIndex.clear();
     std::free(handle->shadowChanged);
     std::free(handle->shadowStatus);
-    // Families close the data file before freeing the handle.
+    // Families close the data file before freeing the handle; the trace
+    // file this module opened is closed here, whoever gave up the handle.
+    if (handle->traceFile) std::fclose(handle->traceFile);
     std::free(handle->dataBuffer);
     delete handle->familyState;
     delete handle;

@@ -4,9 +4,11 @@ set -euo pipefail
 packages=(cmake make g++ pkg-config libxml2-dev libicu-dev icu-devtools libgtest-dev libgmock-dev
           libbenchmark-dev libgeographiclib-dev abigail-tools tzdata locales)
 # --checks: also what the fuzzing, thread and big-endian checks of .ci/run use
-# (scripts/fuzz.sh, scripts/tsan-test.sh, scripts/s390x-test.sh).
+# (scripts/fuzz.sh, scripts/tsan-test.sh, scripts/s390x-test.sh) and the
+# Debian package check (cpack -G DEB, scripts/deb-test.sh).
 if [ "${1:-}" = "--checks" ]; then
   packages+=(clang libclang-rt-14-dev debootstrap qemu-user g++-s390x-linux-gnu)
+  packages+=(dpkg-dev file)
 fi
 packages+=(python3-dev python3-numpy pybind11-dev python3-pytest python3-hypothesis python3-xarray python3-dask python3-distributed python3-pandas python3-matplotlib)  # the Python package
 packages+=(libgdal-dev)  # velmio export writes GIS formats through GDAL/OGR

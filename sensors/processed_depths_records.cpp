@@ -18,33 +18,6 @@ double seconds(std::uint32_t v) { return TOVO_DecodeSeconds(i(v)); }
 
 }  // namespace
 
-void encodeProcessedSummary(const ProcessedDepthsSummary &s, std::uint32_t *words) {
-    const ProcessedDepthsFrame &f = s.frame;
-    const std::uint32_t units[kProcessedSummaryWords] = {
-        s.status, s.toolType, s.profiles, s.beams,
-        w(f.timeScale), w(f.depthTimeScale), w(f.positionScale),
-        w(f.referenceTime), w(f.referenceLatitude), w(f.referenceLongitude),
-        w(TOVO_EncodeTime(s.minTime, f.referenceTime, f.timeScale)),
-        w(TOVO_EncodeTime(s.maxTime, f.referenceTime, f.timeScale)),
-        metres(s.minDepth), metres(s.maxDepth), 0, 0};
-    for (unsigned k = 0; k < kProcessedSummaryWords; ++k) words[k] = units[k];
-}
-
-bool decodeProcessedSummary(const std::uint32_t *words, ProcessedDepthsSummary &s) {
-    if (i(words[4]) <= 0 || i(words[5]) <= 0 || i(words[6]) <= 0) return false;
-    s.status = words[0];
-    s.toolType = words[1];
-    s.profiles = words[2];
-    s.beams = words[3];
-    ProcessedDepthsFrame &f = s.frame;
-    f = {i(words[4]), i(words[5]), i(words[6]), i(words[7]), i(words[8]), i(words[9])};
-    s.minTime = TOVO_DecodeTime(f.referenceTime, f.timeScale, i(words[10]));
-    s.maxTime = TOVO_DecodeTime(f.referenceTime, f.timeScale, i(words[11]));
-    s.minDepth = metres(words[12]);
-    s.maxDepth = metres(words[13]);
-    return true;
-}
-
 void encodePing(const ProcessedDepthsPing &p, const ProcessedDepthsFrame &f, std::uint32_t *words) {
     const std::uint32_t units[kPingWords] = {
         p.status,
@@ -80,7 +53,7 @@ bool decodePing(const std::uint32_t *words, const ProcessedDepthsFrame &f, Proce
 void encodeHeads(const ProcessedDepthsHeads &h, std::uint32_t *words) {
     words[0] = h.count;
     for (int k = 0; k < 2; ++k) {
-        const TransducerHead &t = h.head[k];
+        const ProcessedDepthsHead &t = h.head[k];
         std::uint32_t *u = words + 1 + 8 * k;
         u[0] = metres(t.x);
         u[1] = metres(t.y);
@@ -97,7 +70,7 @@ bool decodeHeads(const std::uint32_t *words, ProcessedDepthsHeads &h) {
     if (words[0] > 2) return false;
     h.count = words[0];
     for (int k = 0; k < 2; ++k) {
-        TransducerHead &t = h.head[k];
+        ProcessedDepthsHead &t = h.head[k];
         const std::uint32_t *u = words + 1 + 8 * k;
         t = {metres(u[0]), metres(u[1]), metres(u[2]), radians(u[3]), radians(u[4]), radians(u[5]), seconds(u[6]), u[7]};
     }

@@ -4,6 +4,8 @@
 #ifndef VELMIO_SENSORS_PROCESSED_DEPTHS_RECORDS_H
 #define VELMIO_SENSORS_PROCESSED_DEPTHS_RECORDS_H
 
+#include <velmio/processed_depths.h>
+
 #include <cstdint>
 
 namespace velmio {
@@ -25,69 +27,6 @@ struct ProcessedDepthsFrame {
 };
 
 constexpr unsigned kProcessedSummaryWords = 16;
-
-struct ProcessedDepthsSummary {
-    std::uint32_t status = 0;
-    std::uint32_t toolType = 0;
-    std::uint32_t profiles = 0;
-    std::uint32_t beams = 0;
-    ProcessedDepthsFrame frame;
-    double minTime = 0.0, maxTime = 0.0;
-    double minDepth = 0.0, maxDepth = 0.0;
-};
-
-struct ProcessedDepthsPing {
-    std::uint32_t status = 0;
-    std::uint32_t beamCount = 0;
-    std::uint32_t firstBeam = 1;
-    double time = 0.0;
-    std::uint32_t pingNumber = 0;
-    double latitude = 0.0, longitude = 0.0;  // radians
-    double heading = 0.0, heave = 0.0, pitch = 0.0, roll = 0.0;
-    double tide = 0.0, draft = 0.0, soundSpeed = 0.0;
-};
-
-struct TransducerHead {
-    double x = 0.0, y = 0.0, z = 0.0;             // metres
-    double roll = 0.0, pitch = 0.0, heading = 0.0;  // radians
-    double latency = 0.0;                           // seconds
-    std::uint32_t word = 0;
-};
-
-struct ProcessedDepthsHeads {
-    std::uint32_t count = 0;  // 0, 1 or 2
-    TransducerHead head[2];
-};
-
-// One standard deviation each.
-struct ProcessedDepthsPingUncertainty {
-    double horizontal = 0.0, vertical = 0.0, heave = 0.0, tide = 0.0, draft = 0.0;
-    double roll = 0.0, pitch = 0.0, heading = 0.0, soundSpeed = 0.0, timing = 0.0;
-};
-
-struct ProcessedDepthsSounding {
-    std::uint32_t status = 0;  // upper 16 bits
-    double time = 0.0;
-    double depth = 0.0, acrossTrack = 0.0, alongTrack = 0.0;
-    double latitude = 0.0, longitude = 0.0;  // radians
-    double horizontalUncertainty = 0.0, verticalUncertainty = 0.0;
-};
-
-struct ProcessedDepthsMeasurement {
-    double travelTime = 0.0;  // two-way, seconds
-    double acrossAngle = 0.0, alongAngle = 0.0;
-    double slantRange = 0.0;
-    double reflectivity = 0.0;  // dB
-    std::uint32_t quality = 0, detection = 0, head = 0;
-};
-
-struct ProcessedDepthsReductions {
-    double tide = 0.0, heave = 0.0, draft = 0.0, refraction = 0.0;
-};
-
-void encodeProcessedSummary(const ProcessedDepthsSummary &s, std::uint32_t *words);
-// False for a scale that is not positive.
-bool decodeProcessedSummary(const std::uint32_t *words, ProcessedDepthsSummary &s);
 
 void encodePing(const ProcessedDepthsPing &p, const ProcessedDepthsFrame &f, std::uint32_t *words);
 // False for a layout no profile can have (first beam 0).

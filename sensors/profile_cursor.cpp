@@ -57,6 +57,8 @@ TOVO_Sensor *openProfileSensor(const wchar_t *lineDirectory, std::uint32_t openI
     TOVO_Sensor *h = SensorOpenDir(lineDirectory, openId, token, &err);
     if (!h) return nullptr;
     ProfileState &s = *state;
+    // A family may keep kinds apart that share a directory id (side scan).
+    h->typeId = f.typeId;
     // An unknown token arrives as a mode of its own and is written like a
     // create, as the line store has always done: it starts the file afresh.
     if (const int rc = openEngine(h, state.release())) {

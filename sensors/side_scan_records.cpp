@@ -1,4 +1,4 @@
-// Side scan summary, profile header and trace record to XDR units and back.
+// Side scan profile header and trace record to XDR units and back.
 #include "sensors/side_scan_records.h"
 
 #include <velmio/encoding.h>
@@ -9,34 +9,6 @@ namespace {
 std::uint32_t w(std::int32_t v) { return static_cast<std::uint32_t>(v); }
 std::int32_t i(std::uint32_t v) { return static_cast<std::int32_t>(v); }
 }  // namespace
-
-void encodeSideScanSummary(const SideScanSummary &s, std::uint32_t *words) {
-    words[0] = s.status;
-    words[1] = s.sonarType;
-    words[2] = s.profiles;
-    words[3] = s.samples;
-    words[4] = w(s.timeScale);
-    words[5] = w(s.referenceTime);
-    words[6] = w(TOVO_EncodeTime(s.minTime, s.referenceTime, s.timeScale));
-    words[7] = w(TOVO_EncodeTime(s.maxTime, s.referenceTime, s.timeScale));
-    words[8] = w(s.minAmplitude);
-    words[9] = w(s.maxAmplitude);
-}
-
-bool decodeSideScanSummary(const std::uint32_t *words, SideScanSummary &s) {
-    if (i(words[4]) <= 0) return false;
-    s.status = words[0];
-    s.sonarType = words[1];
-    s.profiles = words[2];
-    s.samples = words[3];
-    s.timeScale = i(words[4]);
-    s.referenceTime = i(words[5]);
-    s.minTime = TOVO_DecodeTime(s.referenceTime, s.timeScale, i(words[6]));
-    s.maxTime = TOVO_DecodeTime(s.referenceTime, s.timeScale, i(words[7]));
-    s.minAmplitude = i(words[8]);
-    s.maxAmplitude = i(words[9]);
-    return true;
-}
 
 void encodeSideScanHeader(const SideScanHeader &p, std::int32_t referenceTime, std::int32_t timeScale,
                           std::uint32_t *words) {

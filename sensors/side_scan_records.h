@@ -1,5 +1,5 @@
-// The side scan records as XDR units (docs/formats.md): the summary, the
-// profile header of a ping, a sample and a trace record. Decoding refuses
+// The side scan records as XDR units (docs/formats.md): the profile header
+// of a ping, a sample and a trace record. Decoding refuses
 // what no file of the family can hold, so that a count is known good before
 // anything is sized by it.
 #ifndef VELMIO_SENSORS_SIDE_SCAN_RECORDS_H
@@ -15,19 +15,6 @@ constexpr unsigned kSideScanSampleWords = 2;
 constexpr unsigned kSideScanTraceWords = 3;
 constexpr std::uint32_t kSideScanMaxSamples = 1u << 20;
 constexpr std::uint32_t kTraceRecordKind = 4;
-
-struct SideScanSummary {
-    std::uint32_t status = 0;
-    std::uint32_t sonarType = 0;
-    std::uint32_t profiles = 0;
-    std::uint32_t samples = 0;
-    std::int32_t timeScale = 1000;
-    std::int32_t referenceTime = 0;  // minutes
-    double minTime = 0.0;
-    double maxTime = 0.0;
-    std::int32_t minAmplitude = INT32_MAX;  // no samples: the empty range
-    std::int32_t maxAmplitude = INT32_MIN;
-};
 
 struct SideScanHeader {
     std::uint32_t status = 0;
@@ -45,10 +32,6 @@ struct SideScanTrace {
     std::uint32_t bottomSample = 0;  // 0: no bottom found
     double depth = 0.0;              // metres below the transducer
 };
-
-void encodeSideScanSummary(const SideScanSummary &s, std::uint32_t *words);
-// False for a time scale that is not positive.
-bool decodeSideScanSummary(const std::uint32_t *words, SideScanSummary &s);
 
 // Times against the summary's reference time and time scale.
 void encodeSideScanHeader(const SideScanHeader &p, std::int32_t referenceTime, std::int32_t timeScale,

@@ -1,13 +1,16 @@
 // velmio demo: writes a small survey (or one line of it) through the same
 // calling orders any processing tool uses: both positions, every one-value
-// sensor, multibeam observed depths with their error estimates, slant ranges,
-// a sound velocity cast per line and a vessel configuration per vessel.
+// sensor, multibeam observed depths with their error estimates and processed
+// depths, slant ranges, an EM1000-like side scan, a sound velocity cast per
+// line and a vessel configuration per vessel.
 // Each family is written by a function of its own.
 #include "command.h"
 
 #include <velmio/linestore.h>
 #include <velmio/navigation.h>
 #include <velmio/observed_depths.h>
+#include <velmio/processed_depths.h>
+#include <velmio/side_scan.h>
 #include <velmio/simple_sensor.h>
 #include <velmio/slant_range.h>
 #include <velmio/svp.hpp>
@@ -22,6 +25,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace velmio::tool {
 namespace {
@@ -155,6 +159,90 @@ Failure writeDepths(const std::wstring &line, double start) {
     return {nullptr, 0};
 }
 
+// The observed depths reduced: the ping on the vessel's track, the soundings
+// with positions and uncertainties, and the reductions applied.
+Failure writeProcessedDepths(const std::wstring &line, const Place &at) {
+    int err = 0;
+    TOVO_Sensor *h = ProcessedDepthsOpenDir(line.c_str(), L"create", &err);
+    if (!h) return {"ProcessedDepthsOpenDir", err};
+    CHECK(ProcessedDepthsBgnSeqWriteSummary(h, 1), "ProcessedDepthsBgnSeqWriteSummary");
+    const unsigned int beams = 101;
+    ProcessedDepthsHeads heads{};
+    heads.count = 1;
+    heads.head[0] = {1.2, 0.0, 2.8, 0.0, 0.0, 0.0, 0.002, 0};
+    const ProcessedDepthsPingUncertainty sigma = {0.5, 0.2, 0.05, 0.1, 0.02, 0.0005, 0.0005, 0.001, 0.3, 0.0001};
+    for (int segment = 0; segment < 2; ++segment) {
+        CHECK(ProcessedDepthsBgnSeqWriteLineSegment(h, kSources[segment]), "ProcessedDepthsBgnSeqWriteLineSegment");
+        for (int p = segment * 75; p < (segment + 1) * 75; ++p) {
+            const double t = p * 2.0;
+            ProcessedDepthsPing ping{};
+            ping = {0, beams, 1, at.start + t, static_cast<unsigned int>(p + 1), (at.lat + t * 1.6e-5) * kDegree,
+                    (at.lon + t * 2.2e-5) * kDegree, 54.0 * kDegree, 0.4 * std::sin(t * 1.3),
+                    1.5 * kDegree * std::sin(t * 0.9), 3.0 * kDegree * std::sin(t * 0.6), 1.2, 2.8, 1492.5};
+            CHECK(ProcessedDepthsBgnSeqWriteProfile(h, &ping, &heads, &sigma), "ProcessedDepthsBgnSeqWriteProfile");
+            for (unsigned int beam = 1; beam <= beams; ++beam) {
+                const double depth = depthAt(p, static_cast<int>(beam)), across = (static_cast<int>(beam) - 51) * 1.2;
+                // Across track points south-east of the north-east track.
+                ProcessedDepthsSounding s{};
+                s = {0, ping.time + 0.0001 * beam, depth, across, 0.0,
+                     ping.latitude - across * 0.7071 / 6371000.0,
+                     ping.longitude + across * 0.7071 / (6371000.0 * std::cos(ping.latitude)),
+                     0.2 + 0.004 * std::fabs(across), 0.1 + 0.002 * depth};
+                const double range = std::hypot(depth, across);
+                const ProcessedDepthsMeasurement m = {2.0 * range / 1492.5, std::atan2(across, depth), 0.0, range,
+                                                      -25.0 - 0.1 * std::fabs(across), 3, 0x80, 1};
+                const ProcessedDepthsReductions r = {1.2, ping.heave, 2.8, 0.001 * std::fabs(across)};
+                CHECK(ProcessedDepthsSeqWrite(h, &s, &m, &r), "ProcessedDepthsSeqWrite");
+            }
+            CHECK(ProcessedDepthsEndSeqWriteProfile(h), "ProcessedDepthsEndSeqWriteProfile");
+        }
+        CHECK(ProcessedDepthsEndSeqWriteLineSegment(h, 0), "ProcessedDepthsEndSeqWriteLineSegment");
+    }
+    CHECK(ProcessedDepthsEndSeqWriteSummary(h, 0), "ProcessedDepthsEndSeqWriteSummary");
+    CHECK(ProcessedDepthsClose(h), "ProcessedDepthsClose");
+    return {nullptr, 0};
+}
+
+// An EM1000-like side scan (samples in dB, -64 to 63): quiet water, the
+// seafloor's first return where the beam meets the bottom, then backscatter
+// that fades with range, with a speckle of its own per sample.
+Failure writeSideScan(const std::wstring &line, double start) {
+    int err = 0;
+    TOVO_Sensor *h = SideScanEM1000OpenDir(line.c_str(), L"create", &err);
+    if (!h) return {"SideScanEM1000OpenDir", err};
+    CHECK(SideScanBgnSeqWriteSummary(h, 1000), "SideScanBgnSeqWriteSummary");
+    const unsigned int samples = 512;
+    const double interval = 0.0002;  // 0.15 m of slant range a sample
+    std::vector<int> amplitudes(samples);
+    std::vector<unsigned int> detections(samples);
+    unsigned int speckle = 12345;
+    for (int segment = 0; segment < 2; ++segment) {
+        CHECK(SideScanBgnSeqWriteLineSegment(h, kSources[segment]), "SideScanBgnSeqWriteLineSegment");
+        for (int ping = segment * 75; ping < (segment + 1) * 75; ++ping) {
+            const double depth = depthAt(ping, 51);
+            const unsigned int bottom = static_cast<unsigned int>(2.0 * depth / 1492.5 / interval);
+            for (unsigned int k = 0; k < samples; ++k) {
+                speckle = speckle * 1103515245u + 12345u;
+                const double noise = ((speckle >> 16) % 1000) / 1000.0 * 6.0 - 3.0;
+                double db = -55.0 + noise;
+                if (k + 3 >= bottom && k <= bottom + 3) db = -4.0 + noise;
+                else if (k > bottom) db = -18.0 - 20.0 * std::log10(double(k) / bottom) * 1.5 + noise;
+                amplitudes[k] = static_cast<int>(std::lround(db));
+                detections[k] = k == bottom ? 20 : 200;
+            }
+            CHECK(SideScanBgnSeqWriteProfile(h, samples, 1, start + ping * 2.0, interval, 0, 0, 0, 0),
+                  "SideScanBgnSeqWriteProfile");
+            CHECK(SideScanSeqWriteSamples(h, samples, amplitudes.data(), detections.data()), "SideScanSeqWriteSamples");
+            CHECK(SideScanEndSeqWriteProfile(h), "SideScanEndSeqWriteProfile");
+            CHECK(SideScanSeqWriteTrace(h, bottom + 1, depth), "SideScanSeqWriteTrace");
+        }
+        CHECK(SideScanEndSeqWriteLineSegment(h, 0), "SideScanEndSeqWriteLineSegment");
+    }
+    CHECK(SideScanEndSeqWriteSummary(h, 0), "SideScanEndSeqWriteSummary");
+    CHECK(SideScanClose(h), "SideScanClose");
+    return {nullptr, 0};
+}
+
 // A side-looking profiler: 21 beams a ping, ranges growing outwards.
 Failure writeSlantRange(const std::wstring &line, double start) {
     int err = 0;
@@ -220,7 +308,9 @@ Failure writeLine(const std::wstring &line, const Place &at) {
         writeSimple(line, "GPSTide", GPSTideOpenDir, start, 1.0, [](double t) { return 1.2 + 0.0001 * t; }),
         writeSimple(line, "TrueHeave", TrueHeaveOpenDir, start, 10.0, [](double t) { return 0.38 * std::sin(t * 1.3 + 0.1); }),
         writeDepths(line, start),
+        writeProcessedDepths(line, at),
         writeSlantRange(line, start),
+        writeSideScan(line, start),
         writeProfile(line, at),
     };
     for (const Failure &f : steps)

@@ -5,6 +5,8 @@
 
 #include <velmio/navigation.h>
 #include <velmio/observed_depths.h>
+#include <velmio/processed_depths.h>
+#include <velmio/side_scan.h>
 #include <velmio/simple_sensor.h>
 #include <velmio/slant_range.h>
 #include <velmio/tpe.h>
@@ -195,7 +197,8 @@ struct ProfileOps {
 };
 
 // Unsigned outputs of the bulk calls into a double column.
-void widenColumn(const std::vector<unsigned int> &from, std::vector<double> &to) {
+template <class T>
+void widenColumn(const std::vector<T> &from, std::vector<double> &to) {
     std::copy(from.begin(), from.end(), to.begin());
 }
 
@@ -324,6 +327,75 @@ const ProfileOps kTpeOps = {
         return rc;
     }};
 
+// Side scan: a row per sample.
+const ProfileOps kSideScanOps = {
+    {{"ping_time", ColumnType::Time},
+     {"sample_interval", ColumnType::Value},
+     {"gain", ColumnType::Value},
+     {"attenuation1", ColumnType::Value},
+     {"attenuation2", ColumnType::Value},
+     {"profile_status", ColumnType::Status}},
+    {{"amplitude", ColumnType::Value}, {"detection", ColumnType::Count}},
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int *samples, unsigned int *firstSamples,
+       Columns &c) {
+        std::vector<int> gains(n), a1(n), a2(n);
+        std::vector<unsigned int> status(n);
+        const int rc = SideScanReadProfiles(h, first, n, samples, firstSamples, c[0].data(), c[1].data(), gains.data(),
+                                            a1.data(), a2.data(), status.data());
+        widenColumn(gains, c[2]);
+        widenColumn(a1, c[3]);
+        widenColumn(a2, c[4]);
+        widenColumn(status, c[5]);
+        return rc;
+    },
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int capacity, unsigned int *offsets, Columns &c) {
+        std::vector<int> amplitudes(c[0].size());
+        std::vector<unsigned int> detections(c[1].size());
+        const int rc = SideScanReadSamples(h, first, n, capacity, offsets, amplitudes.data(), detections.data());
+        widenColumn(amplitudes, c[0]);
+        widenColumn(detections, c[1]);
+        return rc;
+    }};
+
+const ProfileOps kProcessedDepthsOps = {
+    {{"ping_time", ColumnType::Time},
+     {"ping_number", ColumnType::Count},
+     {"latitude", ColumnType::Radians},
+     {"longitude", ColumnType::Radians},
+     {"heading", ColumnType::Radians},
+     {"profile_status", ColumnType::Status}},
+    {{"time", ColumnType::Time},
+     {"depth", ColumnType::Metres},
+     {"across", ColumnType::Metres},
+     {"along", ColumnType::Metres},
+     {"latitude", ColumnType::Radians},
+     {"longitude", ColumnType::Radians},
+     {"reflectivity", ColumnType::Value},
+     {"status", ColumnType::Status}},
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int *beams, unsigned int *firstBeams, Columns &c) {
+        std::vector<ProcessedDepthsPing> pings(n);
+        const int rc = ProcessedDepthsReadProfiles(h, first, n, pings.data(), nullptr, nullptr);
+        for (unsigned int i = 0; i < n; ++i) {
+            const ProcessedDepthsPing &p = pings[i];
+            beams[i] = p.beamCount;
+            firstBeams[i] = p.firstBeam;
+            const double values[] = {p.time, double(p.pingNumber), p.latitude, p.longitude, p.heading, double(p.status)};
+            for (std::size_t k = 0; k < c.size(); ++k) c[k][i] = values[k];
+        }
+        return rc;
+    },
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int capacity, unsigned int *offsets, Columns &c) {
+        std::vector<ProcessedDepthsSounding> s(c[0].size());
+        std::vector<ProcessedDepthsMeasurement> m(c[0].size());
+        const int rc = ProcessedDepthsReadBeams(h, first, n, capacity, offsets, s.data(), m.data(), nullptr);
+        for (std::size_t i = 0; i < s.size(); ++i) {
+            const double values[] = {s[i].time,     s[i].depth,     s[i].acrossTrack,     s[i].alongTrack,
+                                     s[i].latitude, s[i].longitude, m[i].reflectivity, double(s[i].status)};
+            for (std::size_t k = 0; k < c.size(); ++k) c[k][i] = values[k];
+        }
+        return rc;
+    }};
+
 template <const ProfileOps &Ops>
 std::unique_ptr<RowReader> profileReader(TOVO_Sensor *h, unsigned int first, unsigned int last) {
     return std::make_unique<ProfileReader>(h, Ops, first, last);
@@ -344,6 +416,26 @@ int observedDepthsSegment(TOVO_Sensor *h, int n, Segment &out) {
                                              &d1, &out.status);
     out.name = takeName(name);
     return rc;
+}
+
+int sideScanSummary(TOVO_Sensor *h, Summary &s) {
+    int a0 = 0, a1 = 0;
+    const int rc = SideScanSummary(h, nullptr, &s.segments, &s.records, &s.beams, &s.minTime, &s.maxTime, &a0, &a1,
+                                   &s.status);
+    if (a0 <= a1) s.extents = {{"amplitude", ColumnType::Value, double(a0), double(a1)}};
+    return rc;
+}
+
+int sideScanSegment(TOVO_Sensor *h, int n, Segment &out) {
+    wchar_t *name = nullptr;
+    const int rc = SideScanLineSegment(h, n, &name, &out.first, &out.last, &out.minTime, &out.maxTime, &out.status);
+    out.name = takeName(name);
+    return rc;
+}
+
+Family sideScan(const char *name, unsigned int typeId, TOVO_Sensor *(*open)(const wchar_t *, const wchar_t *, int *)) {
+    return {name, typeId, Kind::Profile, "pings", open, SideScanClose, sideScanSummary, sideScanSegment,
+            profileReader<kSideScanOps>};
 }
 
 std::vector<Family> makeTable() {
@@ -397,10 +489,40 @@ std::vector<Family> makeTable() {
              return rc;
          },
          profileReader<kTpeOps>},
+        {"ProcessedDepths", 0, Kind::Profile, "pings", ProcessedDepthsOpenDir, ProcessedDepthsClose,
+         [](TOVO_Sensor *h, Summary &s) {
+             double d0 = 0, d1 = 0;
+             const int rc = ProcessedDepthsSummary(h, nullptr, &s.segments, &s.records, &s.beams, &s.minTime,
+                                                   &s.maxTime, &d0, &d1, &s.status);
+             s.extents = {{"depth", ColumnType::Metres, d0, d1}};
+             return rc;
+         },
+         [](TOVO_Sensor *h, int n, Segment &out) {
+             wchar_t *name = nullptr;
+             double d0, d1;
+             const int rc = ProcessedDepthsLineSegment(h, n, &name, &out.first, &out.last, &out.minTime,
+                                                       &out.maxTime, &d0, &d1, &out.status);
+             out.name = takeName(name);
+             return rc;
+         },
+         profileReader<kProcessedDepthsOps>},
+        sideScan("SideScan", 9, openSideScan),
+        sideScan("SSSSideScan", 13, SSSSideScanOpenDir),
+        sideScan("SSSProcessedSideScan", 19, SSSProcessedSideScanOpenDir),
+        sideScan("NewSSSProcessedSideScan", 32787, NewSSSProcessedSideScanOpenDir),
     };
 }
 
 }  // namespace
+
+// The "SideScan" files hold one of four kinds; the first opener that
+// accepts them reads them.
+TOVO_Sensor *openSideScan(const wchar_t *line, const wchar_t *token, int *error) {
+    TOVO_Sensor *h = nullptr;
+    for (auto open : {SideScanEM100OpenDir, SideScanEM1000OpenDir, SideScanELACOpenDir})
+        if ((h = open(line, token, error))) break;
+    return h;
+}
 
 const std::vector<Family> &families() {
     static const std::vector<Family> table = makeTable();

@@ -67,6 +67,8 @@ struct Family {
 };
 
 const std::vector<Family> &families();
+// Opens the line's "SideScan" files with the opener of the kind they hold.
+TOVO_Sensor *openSideScan(const wchar_t *line, const wchar_t *token, int *error);
 const Family *findFamily(const std::string &name);
 
 // No data file of that sensor in the line: not an error for a survey walk.

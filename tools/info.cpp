@@ -109,8 +109,9 @@ LineInfo scanLine(const std::string &path) {
 std::string extentText(const Extent &e) {
     char buf[160];
     const bool degrees = e.type == ColumnType::Radians;
-    std::snprintf(buf, sizeof buf, degrees ? "%s %.6f .. %.6f deg" : "%s %.3f .. %.3f m", e.name,
-                  shown(e.min, e.type), shown(e.max, e.type));
+    // Plain values (side scan amplitudes) carry no unit.
+    const char *format = degrees ? "%s %.6f .. %.6f deg" : e.type == ColumnType::Value ? "%s %.0f .. %.0f" : "%s %.3f .. %.3f m";
+    std::snprintf(buf, sizeof buf, format, e.name, shown(e.min, e.type), shown(e.max, e.type));
     return buf;
 }
 

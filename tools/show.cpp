@@ -1,11 +1,14 @@
 // velmio show: one line per sensor found in a survey line directory, with its
 // counts, time span and value range, read through the families' summaries.
 #include "command.h"
+#include "families.h"
 
 #include <velmio/linestore.h>
 #include <velmio/navigation.h>
 #include <velmio/observed_depths.h>
 #include <velmio/paths.h>
+#include <velmio/processed_depths.h>
+#include <velmio/side_scan.h>
 #include <velmio/simple_sensor.h>
 #include <velmio/slant_range.h>
 #include <velmio/svp.hpp>
@@ -21,7 +24,6 @@
 namespace velmio::tool {
 namespace {
 
-constexpr double kDegree = 0.017453292519943295;
 constexpr int kMissing = 5000046;  // no data file of that sensor in the line
 
 std::string timeText(double utcs80) {
@@ -163,6 +165,36 @@ int runShow(const Args &args) {
         else
             failures += reportError("TPE", rc);
         TPEClose(h);
+    }
+    if (TOVO_Sensor *h = openQuietly(ProcessedDepthsOpenDir, line, "ProcessedDepths", failures)) {
+        unsigned int segments = 0, profiles = 0, beams = 0;
+        double t0, t1, d0, d1;
+        const int rc =
+            ProcessedDepthsSummary(h, nullptr, &segments, &profiles, &beams, &t0, &t1, &d0, &d1, nullptr);
+        if (rc == 0)
+            row("ProcessedDepths", profiles, "pings", segments, t0, t1,
+                span("depth", d0, d1, "m", 1.0) + " (" + std::to_string(beams) + " beams)");
+        else
+            failures += reportError("ProcessedDepths", rc);
+        ProcessedDepthsClose(h);
+    }
+    for (auto [name, open] : {std::pair<const char *, OpenFn>{"SideScan", openSideScan},
+                              {"SSSSideScan", SSSSideScanOpenDir},
+                              {"SSSProcessedSideScan", SSSProcessedSideScanOpenDir},
+                              {"NewSSSProcessedSideScan", NewSSSProcessedSideScanOpenDir}}) {
+        TOVO_Sensor *h = openQuietly(open, line, name, failures);
+        if (!h) continue;
+        unsigned int sonar = 0, segments = 0, profiles = 0, samples = 0;
+        double t0, t1;
+        int a0, a1;
+        const int rc = SideScanSummary(h, &sonar, &segments, &profiles, &samples, &t0, &t1, &a0, &a1, nullptr);
+        if (rc == 0)
+            row(name, profiles, "pings", segments, t0, t1,
+                (a0 <= a1 ? span("amplitude", a0, a1, "", 1.0, "%.0f") + " " : std::string()) + "(" +
+                    std::to_string(samples) + " samples)");
+        else
+            failures += reportError(name, rc);
+        SideScanClose(h);
     }
     std::unique_ptr<SvpFile> svp;
     {

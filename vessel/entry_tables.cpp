@@ -1,9 +1,11 @@
 // The settings of every entry kind and of the vessel shape, as tables of
-// element names in writing order, and the load and store of each class.
+// element names in writing order over their private state, and the load and
+// store of each class.
 #include <velmio/utils.hpp>
 #include <velmio/vessel.hpp>
 #include <velmio/vessel_entries.hpp>
 
+#include "vessel/entry_state.h"
 #include "vessel/field_table.h"
 #include "vessel/xml_access.h"
 
@@ -21,8 +23,8 @@ struct Tables {
     template <class C>
     using F = Field<C>;
 
-    static const Table<VELMVesselSensorConfig> &root() {
-        using R = VELMVesselSensorConfig;
+    static const Table<VELMVesselSensorConfig::Impl> &root() {
+        using R = VELMVesselSensorConfig::Impl;
         static const Table<R> t = {
             F<R>{"Comment", "value", &R::comment_},
             F<R>{"Authorization", "value", &R::authorization_},
@@ -33,9 +35,9 @@ struct Tables {
 
     template <class E>
     static void identity(Table<E> &t) {
-        t.push_back(F<E>{"Manufacturer", "value", at<E>(&VELMSensorIdentity::manufacturer_)});
-        t.push_back(F<E>{"Model", "value", at<E>(&VELMSensorIdentity::model_)});
-        t.push_back(F<E>{"SerialNumber", "value", at<E>(&VELMSensorIdentity::serialNumber_)});
+        t.push_back(F<E>{"Manufacturer", "value", at<E>(&VELMSensorIdentity::Impl::manufacturer_)});
+        t.push_back(F<E>{"Model", "value", at<E>(&VELMSensorIdentity::Impl::model_)});
+        t.push_back(F<E>{"SerialNumber", "value", at<E>(&VELMSensorIdentity::Impl::serialNumber_)});
     }
 
     static const Table<VELMGyroOffset> &gyroRow() {
@@ -48,16 +50,16 @@ struct Tables {
     static Table<E> gyro() {
         Table<E> t;
         identity(t);
-        t.push_back(F<E>{"ApplyFlag", "value", at<E>(&VELMGyroSettings::applyFlag_)});
+        t.push_back(F<E>{"ApplyFlag", "value", at<E>(&VELMGyroSettings::Impl::applyFlag_)});
         t.push_back(rows<E, VELMGyroOffset>(
-            "Offsets/Gyro", "Entry", &VELMGyroSettings::gyroTable_,
+            "Offsets/Gyro", "Entry", &VELMGyroSettings::Impl::gyroTable_,
             +[](E &e, const VELMGyroOffset &row) { e.setGyroOffset(row.offset, row.azimuth); }, &gyroRow()));
         return t;
     }
 
     template <class E>
     static Table<E> heave() {
-        using S = VELMHeaveSettings;
+        using S = VELMHeaveSettings::Impl;
         Table<E> t;
         identity(t);
         t.push_back(F<E>{"ApplyFlag", "value", at<E>(&S::applyFlag_)});
@@ -70,7 +72,7 @@ struct Tables {
 
     template <class E>
     static Table<E> nav() {
-        using S = VELMNavSettings;
+        using S = VELMNavSettings::Impl;
         Table<E> t;
         identity(t);
         t.push_back(F<E>{"Ellipse", "value", at<E>(&S::ellipse_)});
@@ -84,8 +86,8 @@ struct Tables {
     static Table<E> pitch() {
         Table<E> t;
         identity(t);
-        t.push_back(F<E>{"ApplyFlag", "value", at<E>(&VELMPitchSettings::applyFlag_)});
-        t.push_back(F<E>{"Offsets", "Pitch", at<E>(&VELMPitchSettings::pitch_)});
+        t.push_back(F<E>{"ApplyFlag", "value", at<E>(&VELMPitchSettings::Impl::applyFlag_)});
+        t.push_back(F<E>{"Offsets", "Pitch", at<E>(&VELMPitchSettings::Impl::pitch_)});
         return t;
     }
 
@@ -93,13 +95,13 @@ struct Tables {
     static Table<E> roll() {
         Table<E> t;
         identity(t);
-        t.push_back(F<E>{"ApplyFlag", "value", at<E>(&VELMRollSettings::applyFlag_)});
-        t.push_back(F<E>{"Offsets", "Roll", at<E>(&VELMRollSettings::roll_)});
+        t.push_back(F<E>{"ApplyFlag", "value", at<E>(&VELMRollSettings::Impl::applyFlag_)});
+        t.push_back(F<E>{"Offsets", "Roll", at<E>(&VELMRollSettings::Impl::roll_)});
         return t;
     }
 
-    static Table<VELMSideScanGyroConfig> sideScanGyro() {
-        using E = VELMSideScanGyroConfig;
+    static Table<VELMSideScanGyroConfig::Impl> sideScanGyro() {
+        using E = VELMSideScanGyroConfig::Impl;
         Table<E> t = gyro<E>();
         t.push_back(F<E>{"StdDev", "Gyro", &E::gyroStdDev_});
         return t;
@@ -112,8 +114,8 @@ struct Tables {
         return t;
     }
 
-    static Table<VELMTowedSSSConfig> towed() {
-        using E = VELMTowedSSSConfig;
+    static Table<VELMTowedSSSConfig::Impl> towed() {
+        using E = VELMTowedSSSConfig::Impl;
         Table<E> t;
         identity(t);
         for (auto f : {F<E>{"Offsets", "X", &E::x_}, F<E>{"Offsets", "Y", &E::y_}, F<E>{"Offsets", "Z", &E::z_},
@@ -122,8 +124,8 @@ struct Tables {
         return t;
     }
 
-    static Table<VELMSVPConfig> svp() {
-        using E = VELMSVPConfig;
+    static Table<VELMSVPConfig::Impl> svp() {
+        using E = VELMSVPConfig::Impl;
         return {
             F<E>{"DualHead", "value", &E::dualHead_},
             F<E>{"Offsets", "X", &E::x_},           F<E>{"Offsets", "Y", &E::y_},
@@ -135,8 +137,10 @@ struct Tables {
         };
     }
 
-    static const Table<VELMTransducerConfig> &transducer() {
-        using T = VELMTransducerConfig;
+    static VELMTransducerConfig::Impl &transducerState(const VELMTransducerConfig &t) { return *t.d_; }
+
+    static const Table<VELMTransducerConfig::Impl> &transducer() {
+        using T = VELMTransducerConfig::Impl;
         static const Table<T> t = {
             F<T>{"", "Number", &T::number_},
             F<T>{"", "StartBeam", &T::startBeam_},
@@ -159,8 +163,8 @@ struct Tables {
         return t;
     }
 
-    static Table<VELMDepthConfig> depth() {
-        using E = VELMDepthConfig;
+    static Table<VELMDepthConfig::Impl> depth() {
+        using E = VELMDepthConfig::Impl;
         return {
             F<E>{"SensorClass", "value", &E::sensorClass_},
             F<E>{"TPENavigationToBoomOffset", "X", &E::navX_, true},
@@ -171,12 +175,13 @@ struct Tables {
             F<E>{"TPEMRUToBoomOffset", "Z", &E::mruZ_, true},
             rows<E, VELMTransducerConfig>(
                 "TransducerEntries", "Transducer", &E::transducers_,
-                +[](E &e, const VELMTransducerConfig &row) { e.transducers_.push_back(row); }, &transducer()),
+                +[](E &e, const VELMTransducerConfig &row) { e.transducers_.push_back(row); }, &transducer(),
+                &transducerState),
         };
     }
 
-    static Table<VELMDraftConfig> draft() {
-        using E = VELMDraftConfig;
+    static Table<VELMDraftConfig::Impl> draft() {
+        using E = VELMDraftConfig::Impl;
         static const Table<VELMDraftEntry> row = {F<VELMDraftEntry>{"", "Speed", &VELMDraftEntry::speed},
                                                   F<VELMDraftEntry>{"", "Draft", &VELMDraftEntry::draft}};
         return {
@@ -187,8 +192,8 @@ struct Tables {
         };
     }
 
-    static Table<VELMWaterlineHeight> waterline() {
-        using E = VELMWaterlineHeight;
+    static Table<VELMWaterlineHeight::Impl> waterline() {
+        using E = VELMWaterlineHeight::Impl;
         return {
             F<E>{"WaterLine", "value", &E::waterLine_},
             F<E>{"ApplyFlag", "value", &E::applyFlag_},
@@ -196,8 +201,8 @@ struct Tables {
         };
     }
 
-    static Table<VELMTPEConfig> tpe() {
-        using E = VELMTPEConfig;
+    static Table<VELMTPEConfig::Impl> tpe() {
+        using E = VELMTPEConfig::Impl;
         return {
             F<E>{"Offsets/MRUtoTransducer", "X", &E::mruX_},
             F<E>{"Offsets/MRUtoTransducer", "Y", &E::mruY_},
@@ -265,7 +270,7 @@ struct Tables {
 
     // The root's part of an entry's load: the time, the root settings, and
     // the binding to the element.
-    static int loadRoot(VELMVesselSensorConfig &entry, xmlNode *node) {
+    static int loadRoot(VELMVesselSensorConfig::Impl &entry, xmlNode *node) {
         const auto text = attributeText(node, "value");
         if (!text) return -1;
         double time = 0.0;
@@ -276,7 +281,7 @@ struct Tables {
         return 0;
     }
 
-    static int storeRoot(VELMVesselSensorConfig &entry, xmlNode *parent) {
+    static int storeRoot(VELMVesselSensorConfig::Impl &entry, xmlNode *parent) {
         // An element of another document (the entry was moved) is left there.
         if (entry.node_ && parent && entry.node_->doc != parent->doc) entry.node_ = nullptr;
         if (!entry.node_) {
@@ -290,17 +295,23 @@ struct Tables {
         return storeItems(entry, entry.node_, root(), true);
     }
 
+    static VELMVesselSensorConfig::Impl &rootState(VELMVesselSensorConfig &entry) { return *entry.d_; }
+
+    // The table of each kind, built once on first use.
     template <class E>
-    static int loadEntry(E &entry, xmlNode *node, const Table<E> &table) {
+    static const Table<typename E::Impl> &table();
+
+    template <class E>
+    static int loadEntry(E &entry, xmlNode *node) {
         if (int status = entry.VELMVesselSensorConfig::load(node)) return status;
-        loadItems(entry, node, table);
+        loadItems(*entry.d_, node, table<E>());
         return 0;
     }
 
     template <class E>
-    static int storeEntry(E &entry, xmlNode *parent, const Table<E> &table, bool sweep = true) {
+    static int storeEntry(E &entry, xmlNode *parent, bool sweep = true) {
         if (int status = entry.VELMVesselSensorConfig::store(parent)) return status;
-        return storeItems(entry, entry.node_, table, sweep);
+        return storeItems(*entry.d_, rootState(entry).node_, table<E>(), sweep);
     }
 };
 
@@ -310,41 +321,39 @@ using velmio::vessel::Tables;
 
 int VELMVesselSensorConfig::load(xmlNode *node) {
     if (!node) return -1;
-    return Tables::loadRoot(*this, node);
+    return Tables::loadRoot(*d_, node);
 }
 
-int VELMVesselSensorConfig::store(xmlNode *parent) { return Tables::storeRoot(*this, parent); }
+int VELMVesselSensorConfig::store(xmlNode *parent) { return Tables::storeRoot(*d_, parent); }
 
-// Each kind's table is built once, on first use.
-#define VELMIO_TABLE_ENTRY(Class, tableExpression, sweepExpression)                         \
-    namespace {                                                                             \
-    const velmio::vessel::Table<Class> &tableOf##Class() {                                  \
-        static const velmio::vessel::Table<Class> table = tableExpression;                  \
-        return table;                                                                       \
-    }                                                                                       \
-    }                                                                                       \
-    int Class::load(xmlNode *node) { return Tables::loadEntry(*this, node, tableOf##Class()); } \
-    int Class::store(xmlNode *parent) {                                                     \
-        return Tables::storeEntry(*this, parent, tableOf##Class(), sweepExpression);        \
-    }
+// S is the state of Class in tableExpression.
+#define VELMIO_TABLE_ENTRY(Class, tableExpression, sweepExpression)                  \
+    template <>                                                                      \
+    const velmio::vessel::Table<Class::Impl> &Tables::table<Class>() {              \
+        using S = Class::Impl;                                                       \
+        static const velmio::vessel::Table<S> t = tableExpression;                   \
+        return t;                                                                    \
+    }                                                                                \
+    int Class::load(xmlNode *node) { return Tables::loadEntry(*this, node); }        \
+    int Class::store(xmlNode *parent) { return Tables::storeEntry(*this, parent, sweepExpression); }
 
-VELMIO_TABLE_ENTRY(VELMGyroConfig, Tables::gyro<VELMGyroConfig>(), true)
-VELMIO_TABLE_ENTRY(VELMSideScanGyroConfig, Tables::sideScanGyro(), true)
-VELMIO_TABLE_ENTRY(VELMHeaveConfig, Tables::heave<VELMHeaveConfig>(), true)
-VELMIO_TABLE_ENTRY(VELMSideScanHeaveConfig, Tables::heave<VELMSideScanHeaveConfig>(), true)
-VELMIO_TABLE_ENTRY(VELMNavConfig, Tables::nav<VELMNavConfig>(), true)
-VELMIO_TABLE_ENTRY(VELMSideScanNavConfig, Tables::nav<VELMSideScanNavConfig>(), true)
-VELMIO_TABLE_ENTRY(VELMPitchConfig, Tables::pitch<VELMPitchConfig>(), true)
-VELMIO_TABLE_ENTRY(VELMSideScanPitchConfig, Tables::pitch<VELMSideScanPitchConfig>(), true)
-VELMIO_TABLE_ENTRY(VELMRollConfig, Tables::roll<VELMRollConfig>(), true)
-VELMIO_TABLE_ENTRY(VELMSideScanRollConfig, Tables::roll<VELMSideScanRollConfig>(), true)
-VELMIO_TABLE_ENTRY(VELMSideScanConfig, Tables::sideScan<VELMSideScanConfig>(), true)
-VELMIO_TABLE_ENTRY(VELMTowedSSSConfig, Tables::towed(), true)
-VELMIO_TABLE_ENTRY(VELMSVPConfig, Tables::svp(), true)
-VELMIO_TABLE_ENTRY(VELMDepthConfig, Tables::depth(), isSweep())
-VELMIO_TABLE_ENTRY(VELMDraftConfig, Tables::draft(), true)
-VELMIO_TABLE_ENTRY(VELMWaterlineHeight, Tables::waterline(), true)
-VELMIO_TABLE_ENTRY(VELMTPEConfig, Tables::tpe(), true)
+VELMIO_TABLE_ENTRY(VELMGyroConfig, gyro<S>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanGyroConfig, sideScanGyro(), true)
+VELMIO_TABLE_ENTRY(VELMHeaveConfig, heave<S>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanHeaveConfig, heave<S>(), true)
+VELMIO_TABLE_ENTRY(VELMNavConfig, nav<S>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanNavConfig, nav<S>(), true)
+VELMIO_TABLE_ENTRY(VELMPitchConfig, pitch<S>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanPitchConfig, pitch<S>(), true)
+VELMIO_TABLE_ENTRY(VELMRollConfig, roll<S>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanRollConfig, roll<S>(), true)
+VELMIO_TABLE_ENTRY(VELMSideScanConfig, sideScan<S>(), true)
+VELMIO_TABLE_ENTRY(VELMTowedSSSConfig, towed(), true)
+VELMIO_TABLE_ENTRY(VELMSVPConfig, svp(), true)
+VELMIO_TABLE_ENTRY(VELMDepthConfig, depth(), isSweep())
+VELMIO_TABLE_ENTRY(VELMDraftConfig, draft(), true)
+VELMIO_TABLE_ENTRY(VELMWaterlineHeight, waterline(), true)
+VELMIO_TABLE_ENTRY(VELMTPEConfig, tpe(), true)
 
 int VELMVesselShape::load(xmlNode *shapeElement) {
     if (!shapeElement) return -1;

@@ -1,7 +1,8 @@
 // The one load and store mechanism of the vessel document: every class that
 // reads itself from an element describes its settings once, as a table of
 // (element path, attribute, member) rows in writing order, and the functions
-// here walk that table in both directions.
+// here walk that table in both directions. The members are those of the
+// class's private state (entry_state.h), which the tables are written over.
 #ifndef VELMIO_VESSEL_FIELD_TABLE_H
 #define VELMIO_VESSEL_FIELD_TABLE_H
 
@@ -13,6 +14,7 @@
 
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -49,8 +51,8 @@ using Item = std::variant<Field<C>, Rows<C>>;
 template <class C>
 using Table = std::vector<Item<C>>;
 
-// A member of a base class as a member of C (so that tables of shared
-// settings can be written once for every class that mixes them in).
+// A member of a base struct as a member of C (so that tables of shared
+// settings can be written once for every entry state that includes them).
 template <class C, class T, class B>
 Member<C> at(T B::*member) {
     return static_cast<T C::*>(member);
@@ -110,16 +112,22 @@ int storeItems(const C &object, xmlNode *element, const Table<C> &table, bool sw
 
 // Rows kept in a vector member of C, each row read and written by rowTable;
 // loaded rows go through insert so that the class keeps its own order rules.
-template <class C, class Row>
+// Plain rows are described by their table themselves; a row class that keeps
+// its settings behind a private pointer gives the way to them (stateOf).
+template <class C, class Row, class State = Row>
 Rows<C> rows(const char *path, const char *rowName, std::vector<Row> C::*member,
-             void (*insert)(C &, const Row &), const Table<Row> *rowTable) {
+             void (*insert)(C &, const Row &), const Table<State> *rowTable,
+             State &(*stateOf)(const Row &) = nullptr) {
     Rows<C> r;
     r.path = path;
     r.load = [=](C &object, xmlNode *container) {
         for (xmlNode *child = container->children; child; child = child->next) {
             if (child->type != XML_ELEMENT_NODE || !sameName(child->name, rowName)) continue;
             Row row{};
-            loadItems(row, child, *rowTable);
+            if constexpr (std::is_same_v<Row, State>)
+                loadItems(row, child, *rowTable);
+            else
+                loadItems(stateOf(row), child, *rowTable);
             insert(object, row);
         }
     };
@@ -128,7 +136,12 @@ Rows<C> rows(const char *path, const char *rowName, std::vector<Row> C::*member,
         for (const Row &row : object.*member) {
             xmlNode *child = xmlNewChild(container, nullptr, xml(rowName), nullptr);
             if (!child) return -1;
-            if (int status = storeItems(row, child, *rowTable, sweep)) return status;
+            int status = 0;
+            if constexpr (std::is_same_v<Row, State>)
+                status = storeItems(row, child, *rowTable, sweep);
+            else
+                status = storeItems(stateOf(row), child, *rowTable, sweep);
+            if (status != 0) return status;
         }
         return 0;
     };

@@ -19,6 +19,8 @@
 #include <velmio/navigation.h>
 #include <velmio/observed_depths.h>
 #include <velmio/slant_range.h>
+#include <velmio/side_scan.h>
+#include <velmio/processed_depths.h>
 #include <velmio/tpe.h>
 
 /* Verifying lines */

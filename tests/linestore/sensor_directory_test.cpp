@@ -16,7 +16,6 @@ namespace {
 void closeAndFree(TOVO_Sensor *h) {
     if (!h) return;
     if (h->dataFile) std::fclose(h->dataFile);
-    if (h->traceFile) std::fclose(h->traceFile);
     SensorFree(h);
 }
 }  // namespace
