@@ -36,8 +36,8 @@ struct ProfileFamily : EngineFamily {
     // Salvage rebuilds the bounds from the records: whether a header's time
     // bounds the time extent, and what one beam's words widen (its time
     // among them; s.profileTime is its profile's).
-    bool headerTimeBound;
-    void (*widenByBeam)(const ProfileState &s, const std::uint32_t *words, Extent *extents);
+    bool headerTimeBound = true;
+    void (*widenByBeam)(const ProfileState &s, const std::uint32_t *words, Extent *extents) = nullptr;
 };
 
 // The tables of the families, for salvaging their lines.
