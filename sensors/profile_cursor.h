@@ -152,8 +152,9 @@ int parseHeader(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words, Pro
 // Where the beams of the profile whose header is at offset must end.
 std::uint64_t profileLimit(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile);
 // Maps, seeks to and reads header number profile into s.header, leaving
-// the file behind it.
-int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decodeReason);
+// the file behind it; ahead bytes come with it when more than a random
+// read takes.
+int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decodeReason, std::size_t ahead = 0);
 // Reads one beam: no seek when it follows the last beam read in the same
 // profile and nothing moved the file since.
 int readBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std::uint32_t beam, std::uint32_t *words,
