@@ -56,9 +56,13 @@ _TOVO_TmIdxSet *TimeIndex::allocSet(std::uint32_t room) {
     bool listed = false;
     if (set && (entries || room == 0)) {
         try {
-            sets_.reserve(sets_.size() + 1);
-            before_.reserve(before_.size() + 1);
-            rooms_.reserve(rooms_.size() + 1);
+            // Room for the push_backs below, grown geometrically: a line of
+            // millions of records has tens of thousands of sets.
+            const std::size_t want = sets_.size() + 1;
+            const std::size_t grown = want > sets_.capacity() ? std::max<std::size_t>(2 * sets_.size(), 16) : want;
+            sets_.reserve(grown);
+            before_.reserve(grown);
+            rooms_.reserve(grown);
             listed = true;
         } catch (const std::bad_alloc &) {
         }
