@@ -20,6 +20,11 @@ constexpr std::int32_t kEmptyMax = -2147483647 - 1;
 constexpr std::uint32_t kMagic = 0x544F564F;  // "TOVO"
 constexpr std::uint32_t kRecordVersion = 3;
 
+template <class List>
+void reserveOneMore(List &list) {
+    if (list.size() == list.capacity()) list.reserve(2 * list.size() + 16);
+}
+
 }  // namespace
 
 TimeIndex::TimeIndex(TimeIndex &&o) noexcept { *this = std::move(o); }
@@ -56,13 +61,11 @@ _TOVO_TmIdxSet *TimeIndex::allocSet(std::uint32_t room) {
     bool listed = false;
     if (set && (entries || room == 0)) {
         try {
-            // Room for the push_backs below, grown geometrically: a line of
-            // millions of records has tens of thousands of sets.
-            const std::size_t want = sets_.size() + 1;
-            const std::size_t grown = want > sets_.capacity() ? std::max<std::size_t>(2 * sets_.size(), 16) : want;
-            sets_.reserve(grown);
-            before_.reserve(grown);
-            rooms_.reserve(grown);
+            // Room for the new set grows geometrically: an exact reserve per
+            // set copies every list once per set, quadratic in a long line.
+            reserveOneMore(sets_);
+            reserveOneMore(before_);
+            reserveOneMore(rooms_);
             listed = true;
         } catch (const std::bad_alloc &) {
         }
@@ -157,30 +160,27 @@ int TimeIndex::map(std::uint32_t recordNumber, std::uint32_t &byteOffset) const 
 }
 
 int TimeIndex::writeTo(std::FILE *file, std::uint32_t typeId, std::uint32_t formatVersion) {
-    // The header and set headers in one write, then each set's array in one,
-    // each sized once and filled in place.
+    // The header and set headers in one write, then each set's array in one.
     std::vector<unsigned char> out;
-    auto emit = [&out, file]() { return std::fwrite(out.data(), 1, out.size(), file) == out.size(); };
+    auto put = [&out](std::uint32_t word) {
+        const std::size_t at = out.size();
+        out.resize(at + 4);
+        storeBe32(&out[at], word);
+    };
+    auto emit = [&out, file]() {
+        const bool ok = std::fwrite(out.data(), 1, out.size(), file) == out.size();
+        out.clear();
+        return ok;
+    };
     try {
-        std::size_t sets = 0;
-        for (_TOVO_TmIdxSet *s = first_; s; s = s->next) ++sets;
-        out.resize(4 * (6 + 3 * sets));
-        unsigned char *p = out.data();
-        auto put = [&p](std::uint32_t word) {
-            storeBe32(p, word);
-            p += 4;
-        };
         for (std::uint32_t word : {kMagic, typeId, kRecordVersion, formatVersion, setCount_, capacity_}) put(word);
         for (_TOVO_TmIdxSet *s = first_; s; s = s->next) {
             put(s->count);
             put(static_cast<std::uint32_t>(s->minTime));
             put(static_cast<std::uint32_t>(s->maxTime));
         }
-        out.resize(static_cast<std::size_t>(p - out.data()));
         if (!emit()) return kTmIdxWriteFailed;
         for (_TOVO_TmIdxSet *s = first_; s; s = s->next) {
-            out.resize(4 + 8 * std::size_t{s->count});
-            p = out.data();
             put(s->count);
             for (std::uint32_t i = 0; i < s->count; ++i) {
                 put(static_cast<std::uint32_t>(s->entries[i].encodedTime));

@@ -86,6 +86,19 @@ bool renameFile(const wchar_t *from, const wchar_t *to) {
 #endif
 }
 
+bool truncateFile(std::FILE *file, std::uint64_t length) {
+    if (!file || length > static_cast<std::uint64_t>(LLONG_MAX)) {
+        errno = EINVAL;
+        return false;
+    }
+    if (injectFault(FileOp::Write) || std::fflush(file) != 0) return false;
+#if defined(_WIN32)
+    return _chsize_s(_fileno(file), static_cast<long long>(length)) == 0;
+#else
+    return ::ftruncate(fileno(file), static_cast<off_t>(length)) == 0;
+#endif
+}
+
 bool listSubdirectories(const wchar_t *path, std::vector<std::wstring> &names) {
     names.clear();
     if (!path) return false;

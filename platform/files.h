@@ -19,6 +19,9 @@ std::int64_t fileSize(const wchar_t *path);
 std::int64_t fileSize(std::FILE *file);
 bool removeFile(const wchar_t *path);
 bool renameFile(const wchar_t *from, const wchar_t *to);
+// Cuts an open stream's file to length bytes (what the stream buffers is
+// written first). False with errno set.
+bool truncateFile(std::FILE *file, std::uint64_t length);
 // Names of the directories in path, sorted; false when path cannot be listed.
 bool listSubdirectories(const wchar_t *path, std::vector<std::wstring> &names);
 // Makes one directory; true when it exists afterwards.

@@ -17,6 +17,16 @@ std::size_t readFile(void *data, std::size_t size, std::size_t count, std::FILE 
     return std::fread(data, size, count, file);
 }
 
+int readChar(std::FILE *file, bool &failed) {
+    if (injectFault(FileOp::Read)) {
+        failed = true;
+        return EOF;
+    }
+    const int c = std::getc(file);
+    if (c == EOF && std::ferror(file)) failed = true;
+    return c;
+}
+
 std::size_t writeFile(const void *data, std::size_t size, std::size_t count, std::FILE *file) {
     if (injectFault(FileOp::Write)) return 0;
     return std::fwrite(data, size, count, file);

@@ -10,6 +10,8 @@
 namespace velmio::platform {
 
 std::size_t readFile(void *data, std::size_t size, std::size_t count, std::FILE *file);
+// One character, as getc; EOF at the end and on failure, when failed is set.
+int readChar(std::FILE *file, bool &failed);
 std::size_t writeFile(const void *data, std::size_t size, std::size_t count, std::FILE *file);
 // 0 or -1, as fseek.
 int seekFile(std::FILE *file, long offset, int whence);

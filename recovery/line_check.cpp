@@ -11,6 +11,7 @@
 
 #include "foundation/wide_copy.h"
 #include "platform/files.h"
+#include "sensors/line_salvage.h"
 
 #include <cstdlib>
 #include <new>
@@ -24,6 +25,8 @@ constexpr int kNoDirectory = 5000010;
 constexpr int kNotFound = 5000046;
 constexpr int kTimeBackwards = 5029101;
 constexpr int kSegmentsDoNotCover = 5029102;
+constexpr int kWholeRecordsBeyond = 5029103;
+constexpr int kPartialRecordAtEnd = 5029104;
 constexpr unsigned int kChunk = 4096;  // records read at once
 
 // What checking needs of a family, over its public functions.
@@ -165,6 +168,7 @@ private:
         if (!h) {
             if (error == kNotFound) return false;
             report(line, family, 0, error);
+            checkTail(line, family);
             return true;
         }
         unsigned int segments = 0, records = 0;
@@ -175,7 +179,23 @@ private:
             checkSegments(line, family, h, segments, records);
         }
         family.close(h);
+        checkTail(line, family);
         return true;
+    }
+
+    // What an interrupted writer leaves behind the records the summary
+    // counts; the problem's number is the bytes concerned.
+    void checkTail(const std::wstring &line, const Family &family) {
+        velmio::SalvageOptions options;
+        options.tailOnly = true;
+        velmio::SalvageReport tail;
+        if (velmio::salvageLine(line.c_str(), velmio::salvageTypeId(family.name), options, tail) != 0 ||
+            !tail.summaryValid)
+            return;
+        if (tail.wholeBytes > tail.summaryEnd)
+            report(line, family, static_cast<unsigned int>(tail.wholeBytes - tail.summaryEnd), kWholeRecordsBeyond);
+        if (tail.droppedBytes)
+            report(line, family, static_cast<unsigned int>(tail.droppedBytes), kPartialRecordAtEnd);
     }
 
     void checkTimes(const std::wstring &line, const Family &family, TOVO_Sensor *h, unsigned int records) {

@@ -122,13 +122,6 @@ const RecordFamily kSSSNavigationRecords = {
     {nullptr, nullptr, nullptr, nullptr, nullptr},
 };
 
-}  // namespace
-
-// Both families' files have one layout; the twin's table reads them silently.
-const RecordFamily &navigationRecords() { return kSSSNavigationRecords; }
-
-namespace {
-
 enum Operation {
     kClose,
     kSummaryOp,
@@ -471,6 +464,10 @@ int saveStatus(const NavigationFamily &f, TOVO_Sensor *h) {
 }
 
 }  // namespace
+
+// Both families' files have one layout; the twin's table reads them silently.
+const RecordFamily &navigationRecords() { return kSSSNavigationRecords; }
+
 }  // namespace velmio
 
 using namespace velmio;

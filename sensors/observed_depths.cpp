@@ -18,8 +18,6 @@ constexpr std::uint32_t kRejectionMask = VELMIO_OBSERVED_DEPTHS_REJECTION_MASK;
 constexpr int kTime = 0;   // extents of the handle and of each segment
 constexpr int kDepth = 1;
 
-void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents);
-
 constexpr SummaryField kSummary[] = {
     {SummaryWord::Status},
     {SummaryWord::FamilyWord0},  // tool type
@@ -35,6 +33,8 @@ constexpr SummaryField kSummary[] = {
 };
 constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
 static_assert(kSummaryWords <= kMaxSummaryWords && 24 <= kMaxRecordBytes, "the engine's buffers hold these records");
+
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents);
 
 const ProfileFamily kObservedDepths = {
     {
@@ -160,6 +160,8 @@ int editBeam(TOVO_Sensor *h, std::uint32_t profile, std::uint32_t beam, Change c
 }
 
 }  // namespace
+
+const ProfileFamily &velmio::observedDepthsProfiles() { return kObservedDepths; }
 
 extern "C" {
 
@@ -429,5 +431,3 @@ VELMIO_API int ObservedDepthsNewRemoveDir(const wchar_t *lineDirectory) {
 }
 
 }  // extern "C"
-
-const ProfileFamily &velmio::observedDepthsProfiles() { return kObservedDepths; }

@@ -74,6 +74,8 @@ const ProfileFamily kProcessedDepths = {
     0,
     kOutOfRange,
     false,
+    false,
+    nullptr,  // not salvaged
 };
 
 int code(int reason) { return kProcessedDepths.code(reason); }

@@ -91,6 +91,11 @@ int enterProfile(TOVO_Sensor *h, const ProfileFamily &f, unsigned modes, Profile
 // True for a handle that writes a new file: create, or an unknown token.
 inline bool isWriting(const TOVO_Sensor &h) { return isCreate(h); }
 
+// The tables of the families, for salvaging their lines.
+const ProfileFamily &observedDepthsProfiles();
+const ProfileFamily &slantRangeProfiles();
+const ProfileFamily &tpeProfiles();
+
 // Opens through SensorOpenDir with openId and builds the handle: create mode
 // writes the validation record and reserves the summary; read modes read
 // and check summary, line segments and time index. Null with *error set on

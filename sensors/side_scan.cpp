@@ -52,7 +52,9 @@ ProfileFamily kind(std::uint32_t typeId) {
              code(kSummaryInvalid), nullptr, kSummaryInvalid, nullptr, code(kTimeIndexNotWritten), 0},
             typeId,
             kOutOfRange,
-            false};
+            false,
+            false,
+            nullptr};  // not salvaged
 }
 
 const ProfileFamily kKinds[] = {kind(9), kind(10), kind(13), kind(15), kind(19), kind(20)};

@@ -49,12 +49,6 @@ const RecordFamily kSimple = {
     {nullptr, nullptr, nullptr, nullptr, nullptr},
 };
 
-}  // namespace
-
-const RecordFamily &simpleSensorRecords() { return kSimple; }
-
-namespace {
-
 struct SimpleSensorState : RecordState {
     SimpleSensorState() : RecordState(kSimple) {}
     double valueDivisor = 1000.0;  // units per metre or radian, as TOVO_DecodeMeters or ..Radians divide
@@ -106,6 +100,9 @@ int writeRecord(TOVO_Sensor &h, SimpleSensorState &s, double time, double value,
 }
 
 }  // namespace
+
+const RecordFamily &simpleSensorRecords() { return kSimple; }
+
 }  // namespace velmio
 
 using namespace velmio;

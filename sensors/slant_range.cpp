@@ -16,10 +16,6 @@ namespace {
 
 constexpr int kTime = 0;
 
-void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
-    extents[kTime].widen(beamTime(s, s.profileTime, w[0]));
-}
-
 constexpr SummaryField kSummary[] = {
     {SummaryWord::Status},
     {SummaryWord::FamilyWord0},  // tool type
@@ -33,6 +29,10 @@ constexpr SummaryField kSummary[] = {
 };
 constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
 static_assert(kSummaryWords <= kMaxSummaryWords && 20 <= kMaxRecordBytes, "the engine's buffers hold these records");
+
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    extents[kTime].widen(beamTime(s, s.profileTime, w[0]));
+}
 
 const ProfileFamily kSlantRange = {
     {
@@ -96,6 +96,8 @@ bool withinBeamTotal(const ProfileState &s, std::uint32_t profile) {
 }
 
 }  // namespace
+
+const ProfileFamily &velmio::slantRangeProfiles() { return kSlantRange; }
 
 extern "C" {
 
@@ -293,5 +295,3 @@ VELMIO_API int SLRangeUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumb
 VELMIO_API int SLRangeRemoveDir(const wchar_t *lineDirectory) { return SensorRemoveDir(lineDirectory, L"SLRange"); }
 
 }  // extern "C"
-
-const ProfileFamily &velmio::slantRangeProfiles() { return kSlantRange; }

@@ -27,12 +27,6 @@ constexpr int kError2 = 2;
 std::uint32_t encodeError(double value) { return asWord(truncToInt32(value * 1000.0)); }
 double decodeError(std::uint32_t word) { return asSigned(word) / 1000.0; }
 
-void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
-    extents[kTime].widen(beamTime(s, s.profileTime, w[0]));
-    extents[kError1].widen(decodeError(w[1]));
-    extents[kError2].widen(decodeError(w[2]));
-}
-
 constexpr SummaryField kSummary[] = {
     {SummaryWord::Status},
     {SummaryWord::FamilyWord0},  // the two tool types
@@ -55,6 +49,12 @@ constexpr SummaryField kSummary[] = {
 };
 constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
 static_assert(kSummaryWords <= kMaxSummaryWords && 16 <= kMaxRecordBytes, "the engine's buffers hold these records");
+
+void widenByBeam(const ProfileState &s, const std::uint32_t *w, Extent *extents) {
+    extents[kTime].widen(beamTime(s, s.profileTime, w[0]));
+    extents[kError1].widen(decodeError(w[1]));
+    extents[kError2].widen(decodeError(w[2]));
+}
 
 const ProfileFamily kTpe = {
     {
@@ -160,6 +160,8 @@ bool withinBeamTotal(const ProfileState &s, std::uint32_t profile) {
 }
 
 }  // namespace
+
+const ProfileFamily &velmio::tpeProfiles() { return kTpe; }
 
 extern "C" {
 
@@ -405,5 +407,3 @@ VELMIO_API int TPESetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, u
 VELMIO_API int TPERemoveDir(const wchar_t *lineDirectory) { return SensorRemoveDir(lineDirectory, L"TPE"); }
 
 }  // extern "C"
-
-const ProfileFamily &velmio::tpeProfiles() { return kTpe; }

@@ -292,7 +292,8 @@ bool SvpFile::isRANEdfFormat(const MORVAUString &fileName) { return fileName.end
 
 bool SvpFile::isCHSFormat(const MORVAUString &fileName) {
     File in(velmio::platform::openFile(fileName.c_str(), "rb"));
-    return in && std::getc(in.get()) == '(';
+    bool failed = false;
+    return in && velmio::platform::readChar(in.get(), failed) == '(';
 }
 
 bool SvpFile::isRANDatFormat(const MORVAUString &fileName) {

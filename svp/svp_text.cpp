@@ -22,12 +22,12 @@ bool LineReader::next(std::string &line) {
         return true;
     }
     line.clear();
-    int c = std::getc(file_);
+    int c = platform::readChar(file_, failed_);
     if (c == EOF) return false;
     ++number_;
     while (c != EOF && c != '\n') {
         if (line.size() < kMaxLineLength) line.push_back(static_cast<char>(c));
-        c = std::getc(file_);
+        c = platform::readChar(file_, failed_);
     }
     if (!line.empty() && line.back() == '\r') line.pop_back();
     return true;

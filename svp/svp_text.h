@@ -23,7 +23,7 @@ public:
     bool nextNonEmpty(std::string &line);
     // Hands line out again on the next call.
     void pushBack(const std::string &line);
-    bool readError() const { return std::ferror(file_) != 0; }
+    bool readError() const { return failed_; }
     // Number of the line handed out last, counted from 1 at the stream's
     // position when the reader was made.
     int lineNumber() const { return hasPending_ ? number_ - 1 : number_; }
@@ -33,6 +33,7 @@ private:
     int number_ = 0;
     std::string pending_;
     bool hasPending_ = false;
+    bool failed_ = false;
 };
 
 bool startsWith(const std::string &text, const char *prefix);

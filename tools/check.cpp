@@ -55,8 +55,14 @@ int velmio::tool::runCheck(const Args &args) {
                         i ? "," : "", jsonString(narrow(p.line)).c_str(), jsonString(narrow(p.sensor)).c_str(), p.number, p.code,
                         jsonString(sentence(p.code)).c_str());
         } else {
-            std::printf("%s: %s: %s %u: ", narrow(p.line).c_str(), narrow(p.sensor).c_str(),
-                        text("ToolCheckRecord", "record").c_str(), p.number);
+            // The problems of an interrupted write count bytes, not a record.
+            const bool bytes = p.code == 5029103 || p.code == 5029104;
+            std::printf("%s: %s: ", narrow(p.line).c_str(), narrow(p.sensor).c_str());
+            if (bytes)
+                std::printf(text("ToolCheckBytes", "%u bytes").c_str(), p.number);
+            else
+                std::printf("%s %u", text("ToolCheckRecord", "record").c_str(), p.number);
+            std::printf(": ");
             std::printf(text("ToolErrorCode", "error %d: %s").c_str(), p.code, sentence(p.code).c_str());
             std::printf("\n");
         }

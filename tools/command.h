@@ -28,6 +28,7 @@ int runExport(const Args &args);
 int runVessel(const Args &args);
 int runSvp(const Args &args);
 int runCheck(const Args &args);
+int runRepair(const Args &args);
 
 // UTF-8 argument to a wide string, and back.
 std::wstring widen(const std::string &text);

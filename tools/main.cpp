@@ -67,6 +67,14 @@ const Command kCommands[] = {
      "exit 1 when anything is wrong.\n"
      "  --json   one JSON document",
      "Check"},
+    {"repair", runRepair, "LINE [SENSOR] [--dry-run]", "salvage an interrupted or damaged line",
+     "Rebuilds the summary, time index and line segment file of every sensor of LINE (or of SENSOR) from\n"
+     "the whole records its data file holds and cuts off a partial record at its end. Intact segments are\n"
+     "kept; otherwise one segment named \"recovered\" holds every record. The files as found are kept beside\n"
+     "the repaired ones with the suffix .damaged (deleted by nobody but you). Exit 1 when a sensor could\n"
+     "not be repaired.\n"
+     "  --dry-run   say what would be done and change nothing",
+     "Repair"},
 };
 
 std::string keyed(const Command &c, const char *what, const char *fallback) {

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <string>
 
+class VELMVesselSensorConfig;
+
 namespace velmio::python {
 
 namespace py = pybind11;
@@ -48,7 +50,14 @@ py::array_t<T> newArray(py::ssize_t count) {
 py::array utcs80ToDatetime64(const double *seconds, py::ssize_t count);
 py::array_t<double> datetime64ToUtcs80(const py::array &datetimes);
 
+// The settings of a vessel entry by name (vessel_settings.cpp).
+py::list entrySettingNames(VELMVesselSensorConfig &entry);
+py::object entrySetting(VELMVesselSensorConfig &entry, const std::string &name);
+void setEntrySetting(VELMVesselSensorConfig &entry, const std::string &name, const py::handle &value);
+py::list transducerSettingNames();
+
 void registerSensors(py::module_ &module);
+void registerSonarFamilies(py::module_ &module);
 void registerVessel(py::module_ &module);
 void registerSvp(py::module_ &module);
 void registerGeodesy(py::module_ &module);

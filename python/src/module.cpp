@@ -44,6 +44,7 @@ PYBIND11_MODULE(_velmio, m) {
 
     registerTime(m);
     registerSensors(m);
+    registerSonarFamilies(m);
     registerVessel(m);
     registerSvp(m);
     registerGeodesy(m);

@@ -38,6 +38,20 @@ void civilFromDays(std::int64_t z, int &y, unsigned &m, unsigned &d) {
     y = static_cast<int>(static_cast<std::int64_t>(yoe) + era * 400 + (m <= 2));
 }
 
+// True when the TAI-UTC offset is the same the day before, on and after the
+// day (days from 1970): only there is the library's conversion t minus the
+// day's start; around a leap second it repeats or skips a second.
+bool steadyOffset(std::int64_t days) {
+    int offset[3];
+    for (int k = 0; k < 3; ++k) {
+        int y = 0;
+        unsigned m = 0, d = 0;
+        civilFromDays(days + k - 1, y, m, d);
+        offset[k] = TmGetTAIUTCOffset(y, TmYMDtoJD(y, static_cast<int>(m), static_cast<int>(d)));
+    }
+    return offset[0] == offset[1] && offset[1] == offset[2];
+}
+
 py::array_t<double> flat(const py::handle &values, const char *name) { return doubles(values, name); }
 
 }  // namespace
@@ -47,17 +61,31 @@ py::array utcs80ToDatetime64(const double *seconds, py::ssize_t count) {
     std::int64_t *o = out.mutable_data();
     {
         py::gil_scoped_release unlocked;
+        // The library converts one time at a time; series come sorted, so the
+        // day of the last conversion serves every later time inside its first
+        // 86400 s (a leap second, s >= 86400, is always converted alone).
+        double dayStart = std::numeric_limits<double>::quiet_NaN();
+        std::int64_t dayNanos = 0;
         for (py::ssize_t i = 0; i < count; ++i) {
-            if (!std::isfinite(seconds[i]) || std::fabs(seconds[i]) > 9.0e9) {
+            const double t = seconds[i];
+            if (!std::isfinite(t) || std::fabs(t) > 9.0e9) {
                 o[i] = kNaT;
                 continue;
             }
-            int year = 0, day = 0;
-            double s = 0.0;
-            TmUTCs80toYDS(seconds[i], &year, &day, &s);
+            double s = t - dayStart;
+            if (!(s >= 0.0 && s < 86400.0)) {
+                int year = 0, day = 0;
+                TmUTCs80toYDS(t, &year, &day, &s);
+                const std::int64_t days = daysFromCivil(year, 1, 1) + day - 1;
+                dayNanos = days * kNanosPerDay;
+                // t - s is the day's start exactly: both are whole multiples of t's last bit.
+                dayStart = year >= 0 && s >= 0.0 && s < 86400.0 && steadyOffset(days)
+                               ? t - s
+                               : std::numeric_limits<double>::quiet_NaN();
+            }
             // A double holds seconds since 1980 to about 0.1 us: rounding to whole
             // microseconds keeps 0.1 s from reading as 0.100000024 s.
-            o[i] = (daysFromCivil(year, 1, 1) + day - 1) * kNanosPerDay + std::llround(s * 1e6) * 1000;
+            o[i] = dayNanos + std::llround(s * 1e6) * 1000;
         }
     }
     return out.attr("view")("datetime64[ns]");

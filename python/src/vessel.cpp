@@ -1,5 +1,5 @@
 // The vessel configuration as a Python object: load, the flat queries by
-// sensor kind and time, entry edits, store.
+// sensor kind and time, its entries with their settings, store.
 #include "binding.hpp"
 
 #include <velmio/vessel.hpp>
@@ -30,6 +30,44 @@ struct Doubles {
 };
 
 py::object text(const wchar_t *t) { return t ? py::object(py::cast(std::wstring(t))) : py::object(py::none()); }
+
+// One time-stamped entry of a vessel, its settings named by the table of
+// vessel_settings.cpp. It keeps its vessel alive: moving it in time is a
+// change of its kind's list.
+class VesselEntry {
+public:
+    VesselEntry(std::shared_ptr<VELMVesselSensorConfig> entry, py::object vessel, VELMVessel *owner)
+        : entry_(std::move(entry)), vessel_(std::move(vessel)), owner_(owner) {}
+
+    py::object kind() const { return text(entry_->getSensorName()); }
+    double time() const { return entry_->getTimeStamp(); }
+    void setTime(double time) {
+        if (time == entry_->getTimeStamp()) return;
+        VELMVesselSensorList *list = owner_->getSensorList(entry_->getSensorName());
+        if (!list) throw Failure{5100009, "the entry is no longer in its vessel"};
+        int error = 0;
+        auto held = list->getConfig(time, error);
+        // The list drops an entry moved onto a taken time: refused before.
+        if (held && held->getTimeStamp() == time) throw Failure{5100008, "an entry with that time exists"};
+        check(list->updateTimeStamp(entry_.get(), time), "entry time");
+    }
+    py::list names() const { return entrySettingNames(*entry_); }
+    py::object get(const std::string &name) const { return entrySetting(*entry_, name); }
+    void set(const std::string &name, const py::handle &value) { setEntrySetting(*entry_, name, value); }
+    // Several settings at once; "time" moves the entry after the others.
+    void apply(const py::dict &settings) {
+        for (auto item : settings) {
+            const std::string key = py::str(item.first);
+            if (key != "time") set(key, item.second);
+        }
+        if (settings.contains("time")) setTime(settings["time"].cast<double>());
+    }
+
+private:
+    std::shared_ptr<VELMVesselSensorConfig> entry_;
+    py::object vessel_;
+    VELMVessel *owner_;
+};
 
 class Vessel {
 public:
@@ -63,34 +101,50 @@ public:
         return out;
     }
 
-    py::list entries(const std::wstring &kind) const {
+    static py::list entries(const py::object &self, const std::wstring &kind) {
+        Vessel &v = self.cast<Vessel &>();
         py::list out;
-        VELMVesselSensorList *list = vessel_->getSensorList(kind.c_str());
+        VELMVesselSensorList *list = v.vessel_->getSensorList(kind.c_str());
         if (!list) throw Failure{5100003, "no entries of that kind"};
-        for (auto e = list->getFirstConfig(); e; e = list->getNextConfig(e.get())) out.append(describe(*e));
+        for (auto e = list->getFirstConfig(); e; e = list->getNextConfig(e.get()))
+            out.append(VesselEntry(e, self, v.vessel_.get()));
         return out;
     }
 
+    // The entry of a kind valid at time.
+    static VesselEntry entry(const py::object &self, const std::wstring &kind, double time) {
+        Vessel &v = self.cast<Vessel &>();
+        int error = 0;
+        auto e = v.vessel_->getSensor(kind.c_str(), time, error);
+        check(error, "entry");
+        if (!e) throw Failure{5100009, "no entry of that kind"};
+        return VesselEntry(e, self, v.vessel_.get());
+    }
+
     // Adds an entry of a kind at time with the given settings.
-    void add(const std::wstring &kind, double time, const py::dict &settings) {
-        std::shared_ptr<VELMVesselSensorConfig> entry = VELM::VesselRegistry::create(kind.c_str());
-        if (!entry) throw Failure{5100003, "not a sensor kind of the vessel configuration"};
-        apply(*entry, settings);
-        check(vessel_->addSensor(entry), "add entry");
-        if (time != 0.0) check(vessel_->getSensorList(kind.c_str())->updateTimeStamp(entry.get(), time), "entry time");
+    static VesselEntry add(const py::object &self, const std::wstring &kind, double time, const py::dict &settings) {
+        Vessel &v = self.cast<Vessel &>();
+        std::shared_ptr<VELMVesselSensorConfig> e = VELM::VesselRegistry::create(kind.c_str());
+        if (!e) throw Failure{5100003, "not a sensor kind of the vessel configuration"};
+        VesselEntry made(e, self, v.vessel_.get());
+        made.apply(settings);
+        int error = 0;
+        const VELMVesselSensorList *list = v.vessel_->getSensorList(kind.c_str());
+        if (auto held = list ? list->getConfig(time, error) : nullptr; held && held->getTimeStamp() == time)
+            throw Failure{5100008, "an entry with that time exists"};
+        // Made at time 0, then moved to its time once its list holds it.
+        check(v.vessel_->addSensor(e), "add entry");
+        made.setTime(time);
+        return made;
     }
 
     // Changes the settings of the entry of exactly that time.
-    void update(const std::wstring &kind, double time, const py::dict &settings) {
-        VELMVesselSensorList *list = vessel_->getSensorList(kind.c_str());
+    static void update(const py::object &self, const std::wstring &kind, double time, const py::dict &settings) {
+        Vessel &v = self.cast<Vessel &>();
+        VELMVesselSensorList *list = v.vessel_->getSensorList(kind.c_str());
         if (!list) throw Failure{5100003, "no entries of that kind"};
-        for (auto e = list->getFirstConfig(); e; e = list->getNextConfig(e.get())) {
-            if (e->getTimeStamp() != time) continue;
-            apply(*e, settings);
-            if (settings.contains("time"))
-                check(list->updateTimeStamp(e.get(), settings["time"].cast<double>()), "entry time");
-            return;
-        }
+        for (auto e = list->getFirstConfig(); e; e = list->getNextConfig(e.get()))
+            if (e->getTimeStamp() == time) return VesselEntry(e, self, v.vessel_.get()).apply(settings);
         throw Failure{5100009, "no entry with that time"};
     }
 
@@ -99,44 +153,6 @@ public:
     VELMVessel *handle() const { return vessel_.get(); }
 
 private:
-    static py::dict describe(const VELMVesselSensorConfig &e) {
-        py::dict d;
-        d["time"] = e.getTimeStamp();
-        d["latency"] = e.getLatency();
-        d["comment"] = text(e.getComment());
-        d["authorization"] = text(e.getAuthorization());
-        if (auto *id = dynamic_cast<const VELMSensorIdentity *>(&e)) {
-            d["manufacturer"] = text(id->getManufacturer());
-            d["model"] = text(id->getModel());
-            d["serial_number"] = text(id->getSerialNumber());
-        }
-        return d;
-    }
-
-    static void apply(VELMVesselSensorConfig &e, const py::dict &settings) {
-        auto textOf = [&](const char *key) -> std::wstring { return wideText(settings[key]); };
-        for (auto item : settings) {
-            const std::string key = py::str(item.first);
-            if (key == "time") continue;
-            if (key == "latency") {
-                e.setLatency(item.second.cast<double>());
-            } else if (key == "comment") {
-                e.setComment(item.second.is_none() ? nullptr : textOf("comment").c_str());
-            } else if (key == "authorization") {
-                e.setAuthorization(item.second.is_none() ? nullptr : textOf("authorization").c_str());
-            } else if (auto *id = dynamic_cast<VELMSensorIdentity *>(&e);
-                       id && (key == "manufacturer" || key == "model" || key == "serial_number")) {
-                const std::wstring value = item.second.is_none() ? std::wstring() : textOf(key.c_str());
-                const wchar_t *v = item.second.is_none() ? nullptr : value.c_str();
-                if (key == "manufacturer") id->setManufacturer(v);
-                if (key == "model") id->setModel(v);
-                if (key == "serial_number") id->setSerialNumber(v);
-            } else {
-                throw Failure{kBadArgument, "not a setting of this entry: " + key};
-            }
-        }
-    }
-
     std::unique_ptr<VELMVessel> vessel_;
 };
 
@@ -274,6 +290,19 @@ py::dict queryDraft(Vessel &v, double time) {
 }  // namespace
 
 void registerVessel(py::module_ &m) {
+    py::list kinds;
+    for (std::size_t i = 0; i < VELM::VesselRegistry::count(); ++i) kinds.append(text(VELM::VesselRegistry::name(i)));
+    m.attr("VESSEL_KINDS") = kinds;
+    m.attr("TRANSDUCER_SETTINGS") = transducerSettingNames();
+
+    py::class_<VesselEntry>(m, "VesselEntry")
+        .def_property_readonly("kind", &VesselEntry::kind)
+        .def_property("time", &VesselEntry::time, &VesselEntry::setTime)
+        .def("names", &VesselEntry::names)
+        .def("get", &VesselEntry::get, py::arg("name"))
+        .def("set", &VesselEntry::set, py::arg("name"), py::arg("value"))
+        .def("apply", &VesselEntry::apply, py::arg("settings"));
+
     py::class_<Vessel>(m, "Vessel")
         .def(py::init<const py::object &>(), py::arg("path"))
         .def(py::init<>())
@@ -282,6 +311,7 @@ void registerVessel(py::module_ &m) {
         .def("store", &Vessel::store, py::arg("path") = py::none())
         .def("kinds", &Vessel::kinds)
         .def("entries", &Vessel::entries, py::arg("kind"))
+        .def("entry", &Vessel::entry, py::arg("kind"), py::arg("time"))
         .def("add", &Vessel::add, py::arg("kind"), py::arg("time"), py::arg("settings") = py::dict())
         .def("update", &Vessel::update, py::arg("kind"), py::arg("time"), py::arg("settings"))
         .def("remove", &Vessel::remove, py::arg("kind"), py::arg("time"))

@@ -9,6 +9,7 @@ from .errors import VelmioError, VelmioFileError, VelmioValueError
 from . import _velmio
 from .line import Line, open_line, create_sensor, edit_sensor, FAMILIES, PROFILE_FAMILIES
 from .vessel import Vessel
+from . import vessel
 from . import geodesy, plot, svp, time
 
 __version__ = "1.0.0"

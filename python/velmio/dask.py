@@ -12,6 +12,7 @@ _PROFILE_COLUMNS = {
     "ObservedDepthsNew": ("depth", "x", "y"),
     "SLRange": ("range", "value", "angle1", "angle2"),
     "TPE": ("error1", "error2"),
+    "ProcessedDepths": ("depth", "across_track", "along_track"),
 }
 
 
@@ -69,6 +70,10 @@ def read_lines(paths, sensor, frame=None, chunks=None):
 
         raise _error(5000022, f"not a sensor family of this library: {sensor!r}")
     paths = [os.fspath(p) for p in paths]
+    if frame and sensor in PROFILE_FAMILIES and sensor not in _PROFILE_COLUMNS:
+        from .errors import _error
+
+        raise _error(-1, f"{sensor} is read as Datasets only (frame=False)")
     if sensor in PROFILE_FAMILIES and not frame:
         import xarray as xr
 

@@ -8,8 +8,12 @@ import numpy as np
 from . import _velmio
 from .errors import _error
 
-FAMILIES = tuple(_velmio.FAMILIES)
-PROFILE_FAMILIES = tuple(_velmio.PROFILE_FAMILIES)
+# Side scan and processed depths are read (ragged and as xarray) but not
+# written or edited from Python.
+SONAR_FAMILIES = tuple(_velmio.SONAR_FAMILIES)
+FAMILIES = tuple(_velmio.FAMILIES) + SONAR_FAMILIES
+PROFILE_FAMILIES = tuple(_velmio.PROFILE_FAMILIES) + SONAR_FAMILIES
+SIDE_SCAN_FAMILIES = tuple(f for f in SONAR_FAMILIES if "SideScan" in f)
 
 # The codes the library gives for a missing line directory and data file.
 _NO_DIRECTORY = 5000010
@@ -30,13 +34,31 @@ def value_unit(family):
     return "rad" if family in _RADIAN_FAMILIES else "m"
 
 
-def _check_family(family):
+def _check_family(family, writing=False):
     if family not in FAMILIES:
         raise _error(5000022, f"not a sensor family of this library: {family!r}")
+    if writing and family in SONAR_FAMILIES:
+        raise _error(-1, f"{family} is only read from Python")
+
+
+def ragged(family):
+    """The names of a profile family's second dimension, its per-ping count
+    and its offsets column: side scan pings hold samples, the others beams."""
+    if family in SIDE_SCAN_FAMILIES:
+        return "sample", "sample_count", "sample_offsets"
+    return "beam", "beam_count", "beam_offsets"
+
+
+def _open(path, family, mode="query"):
+    """The library handle of a family (query, update or create)."""
+    if family in SONAR_FAMILIES:
+        return _velmio.SonarSensor(path, family, mode)
+    return _velmio.Sensor(path, family, mode)
 
 
 def _with_datetimes(columns):
-    columns["datetime"] = _velmio.utcs80_to_datetime64(columns["time"])
+    if "time" in columns:  # side scan samples carry no time of their own
+        columns["datetime"] = _velmio.utcs80_to_datetime64(columns["time"])
     return columns
 
 
@@ -60,7 +82,7 @@ class Line:
         """The library handle of a family; close it with ``close()``. A
         handle serves one thread at a time (open one per thread)."""
         _check_family(family)
-        return _velmio.Sensor(self.path, family, mode)
+        return _open(self.path, family, mode)
 
     def summary(self, family):
         with _Handle(self.open(family)) as h:
@@ -80,7 +102,8 @@ class Line:
 
         Profile families: ``{"profiles": {...}, "beams": {...}}``, the beams
         flat with ``beams["beam_offsets"]`` (profiles + 1 of them) and
-        ``profiles["beam_count"]``; ``first`` and ``count`` count profiles."""
+        ``profiles["beam_count"]`` (side scan: samples, ``sample_offsets`` and
+        ``sample_count``); ``first`` and ``count`` count profiles."""
         with _Handle(self.open(family)) as h:
             if family in PROFILE_FAMILIES:
                 profiles = _with_datetimes(h.read_profiles(first, count))
@@ -131,7 +154,7 @@ class SensorWriter:
     source file, then ``close`` (or leave the ``with`` block) to finish."""
 
     def __init__(self, line, family, tool_type=0, tool_type2=0, coordinate_type=1):
-        _check_family(family)
+        _check_family(family, writing=True)
         os.makedirs(os.fspath(line), exist_ok=True)
         first = coordinate_type if family in ("Navigation", "SSSNavigation") else tool_type
         self.family = family
@@ -192,7 +215,7 @@ class SensorEditor:
     written at once."""
 
     def __init__(self, line, family):
-        _check_family(family)
+        _check_family(family, writing=True)
         self.family = family
         self._h = _velmio.Sensor(os.fspath(line), family, "update")
 

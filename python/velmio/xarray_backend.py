@@ -1,7 +1,8 @@
 """The xarray backend: ``xarray.open_dataset(line_dir, engine="velmio",
 group="ObservedDepths")``.
 
-Profile families become dimensions (ping, beam), NaN-padded to the widest
+Profile families become dimensions (ping, beam), side scan (ping, sample),
+NaN-padded to the widest
 ping (status words padded with 0); time series become dimension (record).
 Times are the coordinate ``time`` (datetime64[ns] UTC, by the library's leap
 second table) with the raw seconds since 1980 in ``seconds``. Beam and record
@@ -17,7 +18,7 @@ from xarray.core import indexing
 
 from . import _velmio
 from .errors import _error
-from .line import FAMILIES, PROFILE_FAMILIES, UNITS, value_unit
+from .line import FAMILIES, PROFILE_FAMILIES, SIDE_SCAN_FAMILIES, UNITS, _open, ragged, value_unit
 
 _SECONDS_UNITS = UNITS["time"]
 
@@ -46,11 +47,12 @@ class _RangeArray(BackendArray):
         return block[0] if scalar else block
 
     def _rows(self, first, count):
-        h = _velmio.Sensor(self.path, self.family, "query")
+        h = _open(self.path, self.family)
         try:
             if self.family in PROFILE_FAMILIES:
                 beams = h.read_beams(first, count)
-                return _pad(self._convert(beams[self.column]), beams["beam_offsets"], self.shape[1], self.fill)
+                offsets = beams[ragged(self.family)[2]]
+                return _pad(self._convert(beams[self.column]), offsets, self.shape[1], self.fill)
             return self._convert(h.read_records(first, count)[self.column])
         finally:
             h.close()
@@ -86,6 +88,12 @@ _BEAMS = {
     "TPE": [("error1", "f8"), ("error2", "f8"), ("status", "u4")],
 }
 _BEAMS["ObservedDepthsNew"] = _BEAMS["ObservedDepths"]
+_BEAMS["ProcessedDepths"] = [(n, "u4" if n in ("quality", "detection", "head", "status") else "f8") for n in (
+    "depth", "across_track", "along_track", "latitude", "longitude", "horizontal_uncertainty",
+    "vertical_uncertainty", "travel_time", "across_angle", "along_angle", "slant_range", "reflectivity", "quality",
+    "detection", "head", "reduction_tide", "reduction_heave", "reduction_draft", "reduction_refraction", "status")]
+for _family in SIDE_SCAN_FAMILIES:
+    _BEAMS[_family] = [("amplitude", "i4"), ("detection", "u4")]
 
 
 def _lazy(path, family, column, shape, dtype, dims, attrs):
@@ -97,7 +105,7 @@ def open_line_dataset(path, family, drop_variables=None):
     path = os.fspath(path)
     if family not in FAMILIES:
         raise _error(5000022, f"not a sensor family of this library: {family!r}")
-    h = _velmio.Sensor(path, family, "query")
+    h = _open(path, family)
     try:
         summary = h.summary()
         segments = h.segments()
@@ -109,22 +117,24 @@ def open_line_dataset(path, family, drop_variables=None):
     attrs.update({f"summary_{k}": v for k, v in summary.items()})
     variables = {}
     if profiles is not None:
-        width = int(profiles["beam_count"].max()) if count else 0
+        dim, count_key, _ = ragged(family)
+        width = int(profiles[count_key].max()) if count else 0
         shape = (count, width)
-        coords = {"ping": np.arange(count), "beam": np.arange(width),
+        coords = {"ping": np.arange(count), dim: np.arange(width),
                   "time": ("ping", _velmio.utcs80_to_datetime64(profiles["time"]))}
         variables["seconds"] = xr.Variable("ping", profiles["time"], {"units": _SECONDS_UNITS})
-        for name in ("beam_count", "first_beam", "angle1", "angle2", "profile_word"):
-            if name in profiles:
-                variables[name] = xr.Variable("ping", profiles[name], {"units": UNITS.get(name, "1")})
+        for name, values in profiles.items():
+            if name not in ("time", "status"):
+                variables[name] = xr.Variable("ping", values, {"units": UNITS.get(name, "1")})
         variables["profile_status"] = xr.Variable("ping", profiles["status"], {"units": "status bits"})
-        variables["beam_seconds"] = _lazy(path, family, "time", shape, "f8", ("ping", "beam"),
-                                          {"units": _SECONDS_UNITS})
-        variables["beam_time"] = _lazy(path, family, "time", shape, "M8[ns]", ("ping", "beam"), {})
+        if family not in SIDE_SCAN_FAMILIES:
+            variables[f"{dim}_seconds"] = _lazy(path, family, "time", shape, "f8", ("ping", dim),
+                                                {"units": _SECONDS_UNITS})
+            variables[f"{dim}_time"] = _lazy(path, family, "time", shape, "M8[ns]", ("ping", dim), {})
         for name, dtype in _BEAMS[family]:
-            key = "beam_status" if name == "status" else name
-            unit = "status bits" if name == "status" else UNITS.get(name, "m")
-            variables[key] = _lazy(path, family, name, shape, dtype, ("ping", "beam"), {"units": unit})
+            key = f"{dim}_status" if name == "status" else name
+            unit = "status bits" if name == "status" else UNITS.get(name, "1")
+            variables[key] = _lazy(path, family, name, shape, dtype, ("ping", dim), {"units": unit})
     else:
         shape = (count,)
         seconds = _RangeArray(path, family, "time", shape, "f8", np.nan)[indexing.BasicIndexer((slice(None),))]

@@ -13,26 +13,17 @@ from conftest import T0, sample, write_python
 D = ctypes.c_double
 
 
-def test_vessel_entries_are_edited_stored_and_queried_by_time(tmp_path):
+def test_vessel_queries_give_the_entry_valid_at_a_time(tmp_path):
     boat = velmio.Vessel()
     boat.add("GyroSensor", 100.0, manufacturer="Acme", model="G1", latency=0.25)
     boat.add("GyroSensor", 200.0, comment="after refit")
-    boat.add("NavSensor", 100.0, serial_number="N-7")
     boat.store(tmp_path / "boat")
     back = velmio.Vessel(tmp_path / "boat.tvc")
-    assert back.kinds() == ["GyroSensor", "NavSensor"]
     first = back.gyro(150.0)
     assert (first["time"], first["manufacturer"], first["model"], first["latency"]) == (100.0, "Acme", "G1", 0.25)
     assert back.gyro(1e6)["comment"] == "after refit"
-    assert back.navigation(100.0)["serial_number"] == "N-7"
-    back.update("GyroSensor", 200.0, comment=None, new_time=300.0)
-    back.remove("NavSensor", 100.0)
-    back.store()
-    again = velmio.Vessel(tmp_path / "boat.tvc")
-    assert [e["time"] for e in again.entries("GyroSensor")] == [100.0, 300.0]
-    assert again.gyro(300.0)["comment"] is None
-    for call, code in ((lambda: again.gyro(50.0), 5000413), (lambda: again.heave(150.0), 5000414),
-                       (lambda: again.remove("GyroSensor", 7.0), 5100009),
+    for call, code in ((lambda: back.gyro(50.0), 5000413), (lambda: back.heave(150.0), 5000414),
+                       (lambda: back.remove("GyroSensor", 7.0), 5100009),
                        (lambda: velmio.Vessel(tmp_path / "none.tvc"), None)):
         with pytest.raises(velmio.VelmioError) as e:
             call()
@@ -107,6 +98,13 @@ def test_time_conversions_count_the_leap_seconds_of_the_table():
     year, day, rest = velmio.time.to_yds(seconds)
     assert (year.tolist(), day.tolist(), rest.tolist()) == ([1981, 2009], [182, 1], [0.0, 0.0])
     assert velmio.time.tai_utc_offset(2009, 1) == 34
+    # A sorted series converts day by day; each time must still match its own
+    # conversion, also where the library repeats a second around a leap second.
+    starts = velmio.time.from_yds(np.repeat(np.arange(1980, 2012), 2), np.tile([1, 182], 32), 0.0)
+    series = np.sort(np.concatenate([starts[:, None] + np.arange(-3.0, 3.0, 0.0137),
+                                     starts[:, None] + np.arange(-2.5, 2.5, 0.03) * 86400], axis=1).ravel())
+    one_by_one = [velmio.time.to_datetime64(series[i:i + 1])[0] for i in range(series.size)]
+    np.testing.assert_array_equal(velmio.time.to_datetime64(series), one_by_one)
     assert velmio.explain(5000046) == "The sensor's data file was not found."
     assert velmio.explain(1234) is None
 

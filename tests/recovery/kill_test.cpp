@@ -1,9 +1,12 @@
 // A writer killed part way through a long create (SIGKILL, as a power loss
-// or a crash would stop it): the check must never call such a line whole.
+// or a crash would stop it): the check must never call such a line whole,
+// and the repair must give back every whole record that reached the disk,
+// exactly as a clean write of that many records lays them down.
 #include <velmio/line_check.h>
 
 #include "support/test_support.h"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -55,7 +58,7 @@ unsigned int problemsIn(const std::string &line) {
     return count;
 }
 
-TEST(KillTest, KilledCreatesAreNeverCalledWhole) {
+TEST(KillTest, KilledCreatesAreFlaggedAndRepairedToEveryWholeRecord) {
     const struct {
         const char *family, *dataFile;
     } kFamilies[] = {{"gyro", "Gyro"}, {"navigation", "Navigation"}, {"depths", "ObservedDepths"}};
@@ -71,10 +74,29 @@ TEST(KillTest, KilledCreatesAreNeverCalledWhole) {
         EXPECT_EQ(problemsIn(dir.file("two")), 0u);
 
         for (std::uintmax_t killAt : {std::uintmax_t(1) << 12, std::uintmax_t(1) << 16, std::uintmax_t(1) << 21}) {
+            SCOPED_TRACE(killAt);
             const std::string line = dir.file("killed" + std::to_string(killAt)), data = line + "/" + f.dataFile;
             runWriter(f.family, line, 10000000, killAt, data);
-            const std::uintmax_t size = fs::file_size(data);
-            EXPECT_GE(problemsIn(line), 1u) << (size - header) / record << " whole records, " << size << " bytes";
+            const std::uintmax_t size = fs::file_size(data), whole = (size - header) / record;
+            EXPECT_GE(problemsIn(line), 1u) << whole << " whole records, " << size << " bytes";
+            ASSERT_GT(whole, 0u);
+
+            VELMRepairReport *reports = nullptr;
+            unsigned int count = 0;
+            ASSERT_EQ(VELMRepairPath(widen(line).c_str(), nullptr, 0, &reports, &count), 0);
+            ASSERT_EQ(count, 1u);
+            EXPECT_EQ(reports[0].records, whole);
+            VELMRepairFree(reports, count);
+            EXPECT_EQ(problemsIn(line), 0u);
+            EXPECT_EQ(readFile(data + ".damaged").size(), size);
+
+            // Records and time index as a clean write of the same records.
+            const std::string clean = dir.file("clean" + std::to_string(killAt)), cleanData = clean + "/" + f.dataFile;
+            runWriter(f.family, clean, static_cast<long>(whole), 0, cleanData);
+            const Bytes repaired = readFile(data), expected = readFile(cleanData);
+            ASSERT_EQ(repaired.size(), expected.size());
+            EXPECT_TRUE(std::equal(repaired.begin() + header, repaired.end(), expected.begin() + header));
+            EXPECT_EQ(readFile(data + "TmIdx"), readFile(cleanData + "TmIdx"));
         }
     }
 }

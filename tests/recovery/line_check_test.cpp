@@ -54,14 +54,22 @@ TEST(LineCheck, FindsEachDamageInATreeOfLinesAndNothingInWholeOnes) {
     writeGyro(survey + "/day1/backwards", {100.0, 102.0, 101.0});
     writeGyro(survey + "/day2/cut", {100.0, 101.0, 102.0});
     writeGyro(survey + "/day2/no-segments", {100.0, 101.0, 102.0});
+    writeGyro(survey + "/day2/interrupted", {100.0, 101.0, 102.0});
     fs::create_directories(survey + "/empty");
-    EXPECT_TRUE(check(survey, 4).size() == 1u);  // only the backwards line so far
+    EXPECT_TRUE(check(survey, 5).size() == 1u);  // only the backwards line so far
 
     fs::resize_file(survey + "/day2/cut/Gyro", fs::file_size(survey + "/day2/cut/Gyro") - 5);
     fs::remove(survey + "/day2/no-segments/GyroLineSegments");
+    // One record more than the summary counts, then a torn one.
+    Bytes data = readFile(survey + "/day2/interrupted/Gyro");
+    data[23] -= 1;
+    append(data, {0, 0, 0, 0, 0});
+    writeFile(survey + "/day2/interrupted/Gyro", data);
     EXPECT_EQ(check(survey + "/day1", 2), (std::vector<Found>{{L"Gyro", 3, 5029101}}));
     EXPECT_EQ(check(survey + "/day2/cut", 1), (std::vector<Found>{{L"Gyro", 0, 5001206}}));
     EXPECT_EQ(check(survey + "/day2/no-segments", 1), (std::vector<Found>{{L"Gyro", 0, 5028600}}));
+    EXPECT_EQ(check(survey + "/day2/interrupted", 1),
+              (std::vector<Found>{{L"Gyro", 4, 5029102}, {L"Gyro", 12, 5029103}, {L"Gyro", 5, 5029104}}));
     EXPECT_TRUE(check(survey + "/day1/whole", 1).empty());
     EXPECT_TRUE(check(survey + "/empty", 0).empty());
 

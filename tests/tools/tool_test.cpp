@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <vector>
 #include <fstream>
 #include <sstream>
 #include <sys/wait.h>
@@ -311,6 +312,29 @@ TEST_F(Survey, SvpConvertsBetweenFormatsWithoutLosingACast) {
     EXPECT_NE(shown.out.find("cast 1  2004-123 12:00:00.000"), std::string::npos) << shown.out;
     EXPECT_EQ(tool("svp " + sq(svp) + " --to x", scratch_).rc, 2);
     EXPECT_EQ(tool("svp " + sq(scratch_.file("missing")), scratch_).rc, 1);
+}
+
+// Every family of a line cut inside its last record, its time indexes lost:
+// check flags the line, repair salvages each sensor and check is clean after.
+TEST_F(Survey, RepairSalvagesEveryFamilyOfAnInterruptedLine) {
+    namespace fs = std::filesystem;
+    const std::string copy = scratch_.file("line");
+    fs::copy(line("Tender", 123, 1), copy);
+    std::vector<fs::path> files(fs::directory_iterator(copy), fs::directory_iterator{});
+    for (const fs::path &f : files) {
+        const std::string name = f.filename().string();
+        if (name.find("TmIdx") != std::string::npos)
+            fs::remove(f);
+        else if (name.find("LineSegments") == std::string::npos && name != "Svp")
+            fs::resize_file(f, fs::file_size(f) - 3);
+    }
+    EXPECT_EQ(tool("check " + sq(copy), scratch_).rc, 1);
+    const Result r = tool("repair " + sq(copy), scratch_);
+    EXPECT_EQ(r.rc, 0) << r.err;
+    std::size_t kept = 0;
+    for (std::size_t at = r.out.find(": kept "); at != std::string::npos; at = r.out.find(": kept ", at + 1)) ++kept;
+    EXPECT_EQ(kept, 19u) << r.out;
+    EXPECT_EQ(tool("check " + sq(copy), scratch_).rc, 0);
 }
 
 TEST_F(Survey, HelpForEveryCommandAndTheProgressBarOnlyOnATerminal) {

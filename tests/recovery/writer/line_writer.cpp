@@ -35,7 +35,7 @@ int main(int argc, char **argv) {
         for (long p = 0; p < count; ++p) {
             if (ObservedDepthsBgnSeqWriteProfile(h, 4, 1, 1e6 + p * 0.1, 0, 0, 0)) return 1;
             for (int b = 0; b < 4; ++b)
-                if (ObservedDepthsSeqWrite(h, 0.001 * b, b, -b, 20.0 + 0.01 * (p % 1000), 0, 0, 0)) return 1;
+                if (ObservedDepthsSeqWrite(h, 1e6 + p * 0.1 + 0.001 * b, b, -b, 20.0 + 0.01 * (p % 1000), 0, 0, 0)) return 1;
             if (ObservedDepthsEndSeqWriteProfile(h)) return 1;
         }
         return ObservedDepthsEndSeqWriteLineSegment(h, 0) || ObservedDepthsEndSeqWriteSummary(h, 0) ||

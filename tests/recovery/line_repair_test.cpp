@@ -1,0 +1,127 @@
+// Repairing a damaged line whose segment file survived: a dry run touches
+// nothing, the repair keeps the segments and rebuilds exactly the files a
+// clean write made, and the damaged files stay aside.
+#include <velmio/line_check.h>
+#include <velmio/observed_depths.h>
+#include <velmio/simple_sensor.h>
+
+#include "support/test_support.h"
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+using namespace velmio::test;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::map<std::string, Bytes> snapshot(const std::string &line) {
+    std::map<std::string, Bytes> files;
+    for (const auto &entry : fs::directory_iterator(line))
+        files[entry.path().filename().string()] = readFile(entry.path().string());
+    return files;
+}
+
+// Two segments, so that keeping them differs from one recovered segment.
+void writeLine(const std::string &line) {
+    fs::create_directories(line);
+    const std::wstring w = widen(line);
+    int error = 0;
+    TOVO_Sensor *h = GyroOpenDir(w.c_str(), L"create", &error);
+    ASSERT_NE(h, nullptr);
+    for (int segment = 0; segment < 2; ++segment) {
+        ASSERT_EQ(GyroBgnSeqWriteLineSegment(h, segment ? L"b.raw" : L"a.raw"), 0);
+        for (int i = 0; i < 3; ++i) ASSERT_EQ(GyroSeqWrite(h, 100.0 + 3 * segment + i, 0.1 * i - 0.05, i), 0);
+        ASSERT_EQ(GyroEndSeqWriteLineSegment(h, 7), 0);
+    }
+    ASSERT_EQ(GyroClose(h), 0);
+    h = ObservedDepthsOpenDir(w.c_str(), L"create", &error);
+    ASSERT_NE(h, nullptr);
+    ASSERT_EQ(ObservedDepthsBgnSeqWriteLineSegment(h, L"a.raw"), 0);
+    for (int p = 0; p < 2; ++p) {
+        ASSERT_EQ(ObservedDepthsBgnSeqWriteProfile(h, 2, 1, 200.0 + p, 0.0, 0.0, 0), 0);
+        for (int b = 0; b < 2; ++b) ASSERT_EQ(ObservedDepthsSeqWrite(h, 200.0 + p, b, -b, 10.0 + p + b, 0, 0, 0), 0);
+        ASSERT_EQ(ObservedDepthsEndSeqWriteProfile(h), 0);
+    }
+    ASSERT_EQ(ObservedDepthsEndSeqWriteLineSegment(h, 0), 0);
+    ASSERT_EQ(ObservedDepthsClose(h), 0);
+}
+
+int repair(const std::string &line, int dryRun, VELMRepairReport **reports, unsigned int *count) {
+    testing::internal::CaptureStdout();
+    const int rc = VELMRepairPath(widen(line).c_str(), nullptr, dryRun, reports, count);
+    testing::internal::GetCapturedStdout();
+    return rc;
+}
+
+unsigned int problems(const std::string &line) {
+    VELMCheckProblem *found = nullptr;
+    unsigned int count = 0;
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(VELMCheckPath(widen(line).c_str(), &found, &count, nullptr), 0);
+    testing::internal::GetCapturedStdout();
+    VELMCheckFree(found, count);
+    return count;
+}
+
+TEST(LineRepair, KeepsIntactSegmentsAndRebuildsWhatACleanWriteMade) {
+    TempDir dir;
+    const std::string line = dir.file("line");
+    writeLine(line);
+    const auto clean = snapshot(line);
+    // A lost time index, a summary that counts one record less and a torn
+    // record at the end of the gyro; a profile cut inside its beams.
+    fs::remove(line + "/GyroTmIdx");
+    Bytes gyro = clean.at("Gyro");
+    gyro[23] -= 1;
+    append(gyro, {1, 2, 3, 4, 5});
+    writeFile(line + "/Gyro", gyro);
+    Bytes depths = clean.at("ObservedDepths");
+    depths.resize(depths.size() - 10);
+    writeFile(line + "/ObservedDepths", depths);
+    const auto damaged = snapshot(line);
+
+    VELMRepairReport *reports = nullptr;
+    unsigned int count = 0;
+    ASSERT_EQ(repair(line, 1, &reports, &count), 0);
+    EXPECT_EQ(snapshot(line), damaged);
+    ASSERT_EQ(count, 2u);
+    const VELMRepairReport &g = reports[0], &d = reports[1];
+    EXPECT_TRUE(g.repaired && g.segmentsKept && !g.timeIndexWasValid && !g.summaryWasValid);
+    EXPECT_EQ(std::vector<unsigned long long>({g.records, g.summaryRecords, g.droppedBytes}),
+              std::vector<unsigned long long>({6, 5, 5}));
+    // The cut profile is dropped: the segment file no longer covers the line.
+    EXPECT_TRUE(d.repaired && !d.segmentsKept && d.records == 1 && d.droppedBytes == 20 + 2 * 16 - 10);
+    VELMRepairFree(reports, count);
+
+    ASSERT_EQ(repair(line, 0, &reports, &count), 0);
+    VELMRepairFree(reports, count);
+    const auto repaired = snapshot(line);
+    for (const char *name : {"Gyro", "GyroLineSegments", "GyroTmIdx"}) EXPECT_EQ(repaired.at(name), clean.at(name)) << name;
+    EXPECT_EQ(repaired.at("Gyro.damaged"), gyro);
+    EXPECT_EQ(repaired.at("ObservedDepths.damaged"), depths);
+    EXPECT_EQ(problems(line), 0u);
+    // The recovered segment's depth bounds are those of the profile kept.
+    int error = 0;
+    TOVO_Sensor *h = ObservedDepthsOpenDir(widen(line).c_str(), L"query", &error);
+    ASSERT_NE(h, nullptr);
+    wchar_t *name = nullptr;
+    unsigned int first = 0, last = 0, status = 1;
+    double bounds[4];
+    ASSERT_EQ(ObservedDepthsLineSegment(h, 1, &name, &first, &last, &bounds[0], &bounds[1], &bounds[2], &bounds[3],
+                                        &status), 0);
+    EXPECT_EQ(std::wstring(name) + L" " + std::to_wstring(last), L"recovered 1");
+    EXPECT_EQ(std::vector<double>(bounds + 2, bounds + 4), std::vector<double>({10.0, 11.0}));
+    std::free(name);
+    ObservedDepthsClose(h);
+
+    // Repaired lines are intact: nothing more is set aside.
+    ASSERT_EQ(repair(line, 0, &reports, &count), 0);
+    EXPECT_TRUE(!reports[0].repaired && !reports[1].repaired);
+    VELMRepairFree(reports, count);
+    EXPECT_EQ(snapshot(line), repaired);
+}
+
+}  // namespace
