@@ -2,12 +2,13 @@
 #include <velmio/block_reader.hpp>
 
 #include "linestore/sensor.h"
+#include "platform/file_io.h"
 #include "platform/files.h"
-#include "platform/stdio_file.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -179,10 +180,14 @@ VELMIO_API int readRecord(VELMBlockReader *handle, unsigned int recordNumber) {
     r.first = recordNumber;
     // A short read leaves the records beyond it shorter, so that reads of
     // them fail instead of returning stale bytes.
+    // One positioned read: the profile reads that share the descriptor keep
+    // their own positions.
     r.length = 0;
-    std::FILE *data = r.sensor->dataFile;
-    if (blockLength > 0 && velmio::platform::seekFile(data, static_cast<long>(start), SEEK_SET) == 0)
-        r.length = velmio::platform::readFile(r.block, 1, static_cast<std::size_t>(blockLength), data);
+    if (blockLength > 0) {
+        const std::int64_t got =
+            velmio::platform::readAt(fileno(r.sensor->dataFile), r.block, static_cast<std::size_t>(blockLength), start);
+        r.length = got > 0 ? static_cast<std::size_t>(got) : 0;
+    }
     r.slot = 0;
     r.position = 0;
     return 0;

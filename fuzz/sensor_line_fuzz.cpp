@@ -1,12 +1,21 @@
-// Fuzz target of the line store and the sensor families: one input is the
-// three files of one sensor in a line directory, read in query mode, edited
-// and saved in update mode, and read again.
+// Fuzz targets of the line store and the sensor families: one input is the
+// files of one sensor in a line directory, read in query mode, edited and
+// saved in update mode, and read again. One source is built as several
+// targets (VELMIO_FUZZ_LINE picks one), so that a reader can get a fuzzing
+// run of its own:
 //
-// Input: byte 0 picks the family (modulo the table below), bytes 1..3 are
-// unused, then the big-endian lengths of the data file and the line segment
-// file, then the data file, the line segment file and the time index file.
-// The files start on 4-byte boundaries, so word-wise mutations of the input
-// hit whole XDR units.
+//   sensor_line (0)                     every family's three files
+//   observed_depths, slant_range, tpe   the three files of that profile family
+//   (1, 2, 3)
+//   time_index, line_segments (4, 5)    that one file, for any family, beside
+//                                       the other files of a line the
+//                                       library wrote
+//
+// Input: byte 0 picks the family (modulo the target's table), bytes 1..3 are
+// unused; three-file targets then carry the big-endian lengths of the data
+// file and the line segment file and the three files back to back, the
+// single-file targets the file alone. The files start on 4-byte boundaries,
+// so word-wise mutations of the input hit whole XDR units.
 #include "fuzz_support.h"
 
 #include <velmio/navigation.h>
@@ -18,7 +27,12 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <string>
+
+#ifndef VELMIO_FUZZ_LINE
+#define VELMIO_FUZZ_LINE 0
+#endif
 
 using velmio::fuzz::Bytes;
 using velmio::fuzz::Part;
@@ -41,6 +55,24 @@ struct Family {
     bool alternate;    // SSSNavigation, ObservedDepthsNew
 };
 
+// Which files an input carries.
+enum class Carried { AllThree, TimeIndex, LineSegments };
+
+#if VELMIO_FUZZ_LINE == 1
+const Family kFamilies[] = {{"ObservedDepths", Kind::ObservedDepths, 0, 0, false},
+                            {"ObservedDepthsNew", Kind::ObservedDepths, 0, 0, true}};
+#elif VELMIO_FUZZ_LINE == 2
+const Family kFamilies[] = {{"SLRange", Kind::SlantRange, 0, 0, false}};
+#elif VELMIO_FUZZ_LINE == 3
+const Family kFamilies[] = {{"TPE", Kind::Tpe, 0, 0, false}};
+#elif VELMIO_FUZZ_LINE == 4 || VELMIO_FUZZ_LINE == 5
+// Every layout once: the line segment files differ in their extents.
+const Family kFamilies[] = {{"Gyro", Kind::Simple, 1, VELMIO_SIMPLE_SENSOR_RADIANS, false},
+                            {"Navigation", Kind::Navigation, 0, 0, false},
+                            {"ObservedDepths", Kind::ObservedDepths, 0, 0, false},
+                            {"SLRange", Kind::SlantRange, 0, 0, false},
+                            {"TPE", Kind::Tpe, 0, 0, false}};
+#else
 const Family kFamilies[] = {
     {"Gyro", Kind::Simple, 1, VELMIO_SIMPLE_SENSOR_RADIANS, false},
     {"Heave", Kind::Simple, 2, VELMIO_SIMPLE_SENSOR_METRES, false},
@@ -51,6 +83,10 @@ const Family kFamilies[] = {
     {"SLRange", Kind::SlantRange, 0, 0, false},
     {"TPE", Kind::Tpe, 0, 0, false},
 };
+#endif
+constexpr Carried kCarried = VELMIO_FUZZ_LINE == 4   ? Carried::TimeIndex
+                             : VELMIO_FUZZ_LINE == 5 ? Carried::LineSegments
+                                                     : Carried::AllThree;
 constexpr unsigned kFamilyCount = sizeof(kFamilies) / sizeof(kFamilies[0]);
 
 const wchar_t *const kQuery = L"query";
@@ -301,13 +337,12 @@ Pass passOf(Kind kind) {
     return simplePass;
 }
 
+const char *const kSuffixes[3] = {"", "LineSegments", "TmIdx"};
+
 // Query, update, then query again what the update saved.
 void runLine(const Family &f, const std::vector<Part> &parts) {
     const std::string dir = velmio::fuzz::freshDirectory();
-    const std::string stem = dir + "/" + f.name;
-    velmio::fuzz::writeFile(stem, parts[0]);
-    velmio::fuzz::writeFile(stem + "LineSegments", parts[1]);
-    velmio::fuzz::writeFile(stem + "TmIdx", parts[2]);
+    for (std::size_t i = 0; i < 3; ++i) velmio::fuzz::writeFile(dir + "/" + f.name + kSuffixes[i], parts[i]);
     const std::wstring wdir = velmio::fuzz::widen(dir);
     const Pass pass = passOf(f.kind);
     pass(wdir, f, kQuery);
@@ -315,12 +350,23 @@ void runLine(const Family &f, const std::vector<Part> &parts) {
     pass(wdir, f, kQuery);
 }
 
+// The three files of a line of the family the library wrote, once per process.
+const std::vector<Bytes> &writtenLine(const Family &f);
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     if (size == 0) return 0;
     const Family &f = kFamilies[data[0] % kFamilyCount];
-    const std::vector<Part> parts = velmio::fuzz::unpack(data, size, 3);
+    std::vector<Part> parts;
+    if (kCarried == Carried::AllThree) {
+        parts = velmio::fuzz::unpack(data, size, 3);
+    } else {
+        const std::vector<Bytes> &line = writtenLine(f);  // before freshDirectory() of runLine
+        for (const Bytes &file : line) parts.push_back({file.data(), file.size()});
+        const std::size_t body = std::min<std::size_t>(4, size);
+        parts[kCarried == Carried::TimeIndex ? 2 : 1] = {data + body, size - body};
+    }
     if (f.kind == Kind::Tpe) {
         // The block reader serves reads only when the cache size is set at open.
         setenv("VelmIOCacheSize", "4", 1);
@@ -336,14 +382,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 namespace {
 
 double seedTime() { return TmYDStoUTCs80(2009, 83, 45005.25); }
-
-Bytes packLine(const Family &f, const std::string &dir) {
-    const std::string stem = dir + "/" + f.name;
-    const unsigned index = static_cast<unsigned>(&f - kFamilies);
-    return velmio::fuzz::pack({static_cast<std::uint8_t>(index)},
-                              {velmio::fuzz::requireFile(stem), velmio::fuzz::requireFile(stem + "LineSegments"),
-                               velmio::fuzz::requireFile(stem + "TmIdx")});
-}
 
 // Two segments of three and two records.
 void writeSimple(const std::wstring &dir, const Family &f) {
@@ -452,21 +490,38 @@ void writeTpe(const std::wstring &dir, const Family &) {
     TPEClose(h);
 }
 
+const std::vector<Bytes> &writtenLine(const Family &f) {
+    static std::map<const Family *, std::vector<Bytes>> lines;
+    auto found = lines.find(&f);
+    if (found != lines.end()) return found->second;
+    const std::string dir = velmio::fuzz::freshDirectory();
+    const std::wstring wdir = velmio::fuzz::widen(dir);
+    switch (f.kind) {
+    case Kind::Simple: writeSimple(wdir, f); break;
+    case Kind::Navigation: writeNavigation(wdir, f); break;
+    case Kind::ObservedDepths: writeObservedDepths(wdir, f); break;
+    case Kind::SlantRange: writeSlantRange(wdir, f); break;
+    case Kind::Tpe: writeTpe(wdir, f); break;
+    }
+    std::vector<Bytes> files;
+    for (const char *suffix : kSuffixes) files.push_back(velmio::fuzz::requireFile(dir + "/" + f.name + suffix));
+    return lines[&f] = files;
+}
+
 }  // namespace
 
 std::vector<std::vector<std::uint8_t>> velmioFuzzSeeds() {
     std::vector<Bytes> seeds;
-    for (const Family &f : kFamilies) {
-        const std::string dir = velmio::fuzz::freshDirectory();
-        const std::wstring wdir = velmio::fuzz::widen(dir);
-        switch (f.kind) {
-        case Kind::Simple: writeSimple(wdir, f); break;
-        case Kind::Navigation: writeNavigation(wdir, f); break;
-        case Kind::ObservedDepths: writeObservedDepths(wdir, f); break;
-        case Kind::SlantRange: writeSlantRange(wdir, f); break;
-        case Kind::Tpe: writeTpe(wdir, f); break;
+    for (unsigned i = 0; i < kFamilyCount; ++i) {
+        const std::vector<Bytes> &line = writtenLine(kFamilies[i]);
+        if (kCarried == Carried::AllThree) {
+            seeds.push_back(velmio::fuzz::pack({static_cast<std::uint8_t>(i)}, line));
+        } else {
+            Bytes seed{static_cast<std::uint8_t>(i), 0, 0, 0};
+            const Bytes &file = line[kCarried == Carried::TimeIndex ? 2 : 1];
+            seed.insert(seed.end(), file.begin(), file.end());
+            seeds.push_back(seed);
         }
-        seeds.push_back(packLine(f, dir));
     }
     return seeds;
 }

@@ -242,10 +242,10 @@ void decodeRecord(const TOVO_Sensor &h, const unsigned char *bytes, double *time
                   double *longitude, double *metres, unsigned int *status) {
     auto word = [bytes](int k) { return static_cast<std::int32_t>(loadBe32(bytes + 4 * k)); };
     if (status) *status = loadBe32(bytes);
-    if (time) *time = TOVO_DecodeTime(h.referenceTime, h.timeScale, word(1));
-    if (latitude) *latitude = TOVO_DecodePosition(h.referenceLatitude, h.positionScale, word(2));
-    if (longitude) *longitude = TOVO_DecodePosition(h.referenceLongitude, h.positionScale, word(3));
-    if (metres) *metres = TOVO_DecodeMeters(word(4));
+    if (time) *time = decodeTime(h, word(1));
+    if (latitude) *latitude = decodePosition(h.referenceLatitude, h.positionScale, word(2));
+    if (longitude) *longitude = decodePosition(h.referenceLongitude, h.positionScale, word(3));
+    if (metres) *metres = word(4) / 1000.0;  // as TOVO_DecodeMeters
 }
 
 TOVO_Sensor *openDir(const NavigationFamily &f, const wchar_t *lineDirectory, const wchar_t *token, int *error) {
@@ -390,7 +390,7 @@ int writeRecord(TOVO_Sensor *h, NavigationState *s, double time, double latitude
     for (int k = 0; k < 5; ++k) storeBe32(s->record + 4 * k, static_cast<std::uint32_t>(words[k]));
     if (int rc = finishRecord(*h, *s)) return rc;
     const double values[3] = {time, latitude, longitude};
-    widenExtents(*h, values, 3);
+    widenExtents(*h, values);
     ++s->written;
     return first ? referencesFixed(*h, *s) : 0;
 }

@@ -81,14 +81,14 @@ struct Beam {
 
 Beam decodeBeam(const ProfileState &s, const std::uint32_t *w) {
     Beam b;
-    b.depth = TOVO_DecodeMeters(asSigned(w[1]));
-    b.x = TOVO_DecodeMeters(asSigned(w[2]));
-    b.y = TOVO_DecodeMeters(asSigned(w[3]));
+    b.depth = decodeMetres(asSigned(w[1]));
+    b.x = decodeMetres(asSigned(w[2]));
+    b.y = decodeMetres(asSigned(w[3]));
     if (s.geometry.countOnlyLayout) {
         // Version 1: the whole first unit is status, the offset has its own.
         b.status = w[0];
-        b.time = TOVO_DecodeDepthTime(s.profileTime, s.depthTimeScale, asSigned(w[4]));
-        b.extra = TOVO_DecodeMeters(asSigned(w[5]));
+        b.time = decodeDepthTime(s.profileTime, s.depthTimeScale, asSigned(w[4]));
+        b.extra = decodeMetres(asSigned(w[5]));
     } else {
         b.status = w[0] & 0xFFFF0000u;
         b.time = beamTime(s, s.profileTime, w[0]);
@@ -270,19 +270,19 @@ VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstPr
                                        double *ys, double *xs, double *depths, double *extras,
                                        unsigned int *statuses) {
     auto beamsOf = angleProfileBeams(handle, ObservedDepthsReadProfile);
-    auto readBeam = [&](std::uint32_t p, std::uint32_t b, std::uint32_t k) {
-        double t, y, x, d, e;
-        unsigned int status;
-        if (const int rc = ObservedDepthsRead(handle, p, b, &t, &y, &x, &d, &e, &status)) return rc;
-        if (times) times[k] = t;
-        if (ys) ys[k] = y;
-        if (xs) xs[k] = x;
-        if (depths) depths[k] = d;
-        if (extras) extras[k] = e;
-        if (statuses) statuses[k] = status;
-        return 0;
+    const ProfileState *s = stateOf<ProfileState>(handle, kObservedDepths);
+    auto decode = [&](const std::uint32_t *words, std::uint32_t k) {
+        const Beam b = decodeBeam(*s, words);
+        if (times) times[k] = b.time;
+        if (ys) ys[k] = b.y;
+        if (xs) xs[k] = b.x;
+        if (depths) depths[k] = b.depth;
+        if (extras) extras[k] = b.extra;
+        if (statuses) statuses[k] = b.status;
     };
-    return readBeams(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readBeam);
+    auto readable = [](std::uint32_t) { return true; };  // the range check covers it
+    return readBeamsInPlace(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf,
+                            readable, decode);
 }
 
 VELMIO_API int ObservedDepthsBgnSeqWriteSummary(TOVO_Sensor *handle) {

@@ -7,6 +7,7 @@
 
 #include "sensors/profile_cursor.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace velmio {
@@ -28,23 +29,47 @@ int readProfiles(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, st
     return 0;
 }
 
+// At most how many beams profiles first .. first + count - 1 hold, from the
+// time index alone: a header's beams must end before the next profile (or
+// the end of the file), which loadHeader checks. UINT64_MAX when the index
+// cannot tell.
+inline std::uint64_t beamBound(TOVO_Sensor &h, const ProfileState &s, std::uint32_t first, std::uint32_t count) {
+    constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
+    std::uint32_t start = 0, next = 0;
+    if (s.geometry.itemBytes == 0 || h.timeIndex.map(first, start) != 0) return kUnknown;
+    std::uint64_t end = s.fileSize < 0 ? 0 : static_cast<std::uint64_t>(s.fileSize);
+    if (std::uint64_t{first} + count <= h.recordCount) {
+        if (h.timeIndex.map(first + count, next) != 0) return kUnknown;
+        end = next;
+    }
+    const std::uint64_t headers = std::uint64_t{count} * s.geometry.headerBytes;
+    if (end < start || end - start < headers) return kUnknown;
+    return (end - start - headers) / s.geometry.itemBytes;
+}
+
 // beamsOf(profile, beams, firstBeam) reads a header's numbering;
 // readBeam(profile, beam, k) fills flat slot k. The beam total is known
 // before anything is written, so a range that does not fit the caller's
-// arrays leaves them untouched.
-template <class BeamsOf, class ReadBeam>
-int readBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
-              std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, ReadBeam readBeam) {
+// arrays leaves them untouched: from the time index when it shows the
+// range fits (each header is then read once), else by reading every header
+// before the beams.
+// The walk of both: fill(profile, beams, firstBeam, k) fills the slots from
+// k of one profile whose header beamsOf has just read.
+template <class BeamsOf, class Fill>
+int readBeamWalk(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
+                 std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, Fill fill) {
     ProfileState *s = nullptr;
     if (const int rc = enterProfile(h, f, kReadModes, s)) return rc;
     if (count == 0) return 0;
     if (!profilesInRange(*h, first, count)) return f.code(kOutOfRange);
-    std::uint64_t total = 0;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        std::uint32_t beams = 0, firstBeam = 0;
-        if (const int rc = beamsOf(first + i, beams, firstBeam)) return rc;
-        total += beams;
-        if (total > beamCapacity) return f.code(kOutOfRange);
+    if (beamBound(*h, *s, first, count) > beamCapacity) {
+        std::uint64_t total = 0;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            std::uint32_t beams = 0, firstBeam = 0;
+            if (const int rc = beamsOf(first + i, beams, firstBeam)) return rc;
+            total += beams;
+            if (total > beamCapacity) return f.code(kOutOfRange);
+        }
     }
     std::uint32_t k = 0;
     for (std::uint32_t i = 0; i < count; ++i) {
@@ -52,11 +77,60 @@ int readBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::
         if (const int rc = beamsOf(first + i, beams, firstBeam)) return rc;
         if (std::uint64_t{k} + beams > beamCapacity) return f.code(kOutOfRange);
         if (beamOffsets) beamOffsets[i] = k;
-        for (std::uint32_t b = 0; b < beams; ++b, ++k)
-            if (const int rc = readBeam(first + i, firstBeam + b, k)) return rc;
+        if (const int rc = fill(first + i, beams, firstBeam, k)) return rc;
+        k += beams;
     }
     if (beamOffsets) beamOffsets[count] = k;
     return 0;
+}
+
+template <class BeamsOf, class ReadBeam>
+int readBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
+              std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, ReadBeam readBeam) {
+    return readBeamWalk(h, f, first, count, beamCapacity, beamOffsets, beamsOf,
+                        [&](std::uint32_t p, std::uint32_t beams, std::uint32_t firstBeam, std::uint32_t k) {
+                            for (std::uint32_t b = 0; b < beams; ++b)
+                                if (const int rc = readBeam(p, firstBeam + b, k + b)) return rc;
+                            return 0;
+                        });
+}
+
+// readBeams over the bytes of the data file: once beamsOf has loaded a
+// profile's header, its beams are decoded straight from the read window,
+// decode(words, k) filling flat slot k (s.profileTime is the profile's).
+// readable(profile) is the check the family's per-beam read makes of the
+// profile number. The same values as readBeams over the per-beam read.
+template <class BeamsOf, class Readable, class Decode>
+int readBeamsInPlace(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
+                     std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, Readable readable,
+                     Decode decode) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, kReadModes, s)) return rc;
+    const unsigned itemBytes = s->geometry.itemBytes;
+    auto readProfileBeams = [&](std::uint32_t p, std::uint32_t beams, std::uint32_t firstBeam, std::uint32_t k) {
+        if (beams == 0) return 0;
+        if (!readable(p) || s->header.number != p || s->header.firstBeam != firstBeam) return f.code(kOutOfRange);
+        s->repositionNeeded = 1;
+        s->profileTime = s->header.time;
+        std::uint64_t at = std::uint64_t{s->header.offset} + s->geometry.headerBytes;
+        const std::uint32_t perWindow = static_cast<std::uint32_t>(kWindowBytes / itemBytes);
+        std::uint32_t words[kMaxRecordWords];
+        for (std::uint32_t b = 0; b < beams;) {
+            const std::uint32_t batch = std::min(perWindow, beams - b);
+            const std::size_t bytes = std::size_t{batch} * itemBytes;
+            const unsigned char *q = s->window.at(*s->source, at, bytes, bytes);
+            if (!q) return f.code(kReadFailed);
+            for (std::uint32_t j = 0; j < batch; ++j, q += itemBytes) {
+                for (unsigned w = 0; w < itemBytes / 4; ++w) words[w] = loadBe32(q + 4 * w);
+                decode(words, k + b + j);
+            }
+            b += batch;
+            at += bytes;
+        }
+        s->position = at;
+        return 0;
+    };
+    return readBeamWalk(h, f, first, count, beamCapacity, beamOffsets, beamsOf, readProfileBeams);
 }
 
 // writeBeam(i) appends beam i of the caller's arrays to the open profile.

@@ -7,6 +7,7 @@
 #include "platform/files.h"
 #include "platform/stdio_file.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstring>
@@ -19,6 +20,8 @@ namespace {
 
 // A random read fetches this much: a header and its first beams.
 constexpr std::size_t kRandomReadAhead = 4096;
+// Farther than this behind its header, a beam is read on its own.
+constexpr std::uint64_t kNearBeamBytes = 16384;
 
 void storeWords(unsigned char *out, const std::uint32_t *words, unsigned count) {
     for (unsigned i = 0; i < count; ++i) storeBe32(out + 4 * i, words[i]);
@@ -87,10 +90,6 @@ std::uint32_t statusAndOffset(const ProfileState &s, double time, std::uint32_t 
     return (asWord(offset) & 0xFFFFu) | status;
 }
 
-double beamTime(const ProfileState &s, double profileTime, std::uint32_t word1) {
-    const auto offset = static_cast<std::int16_t>(word1 & 0xFFFFu);
-    return TOVO_DecodeDepthTime(profileTime, s.depthTimeScale, offset);
-}
 
 int beginProfile(TOVO_Sensor &h, ProfileState &s, std::uint32_t beams, std::uint32_t firstBeam, double time,
                  std::uint32_t status, const std::uint32_t *extra, unsigned extraCount, bool widenTime) {
@@ -228,13 +227,14 @@ std::uint64_t profileLimit(TOVO_Sensor &h, ProfileState &s, std::uint32_t profil
     return s.fileSize < 0 ? 0 : static_cast<std::uint64_t>(s.fileSize);
 }
 
-int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decodeReason) {
+int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decodeReason, std::size_t ahead) {
     const EngineFamily &f = s.family;
     s.header.number = 0;
     s.repositionNeeded = 1;
     std::uint32_t offset = 0;
     if (h.timeIndex.map(profile, offset) != 0) return f.code(kNotMapped);
     if (const int rc = seekData(h, s, offset, kSeekFailed)) return rc;
+    if (ahead > s.readAhead) s.readAhead = std::min(ahead, kWindowBytes);
     std::uint32_t words[kMaxRecordWords];
     if (const int rc = readRecord(h, s, s.geometry.headerBytes, words)) return rc;
     ProfileHeader header;
@@ -261,7 +261,11 @@ int readBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std::uint32
         s.repositionNeeded = 1;
         bool justRead = false;
         if (s.header.number != profile) {
-            if (const int rc = loadHeader(h, s, profile, kNotDecoded)) return rc;
+            // One read for the header and, when it lies near, the beam
+            // (beams are mostly numbered from 1).
+            const std::uint64_t reach = s.geometry.headerBytes + std::uint64_t{beam} * s.geometry.itemBytes;
+            const std::size_t ahead = reach <= kNearBeamBytes ? static_cast<std::size_t>(reach) : 0;
+            if (const int rc = loadHeader(h, s, profile, kNotDecoded, ahead)) return rc;
             justRead = true;
         }
         if (!s.header.holds(beam)) return f.code(beamRangeReason);

@@ -36,9 +36,14 @@ struct ProfileFamily : EngineFamily {
     // Salvage rebuilds the bounds from the records: whether a header's time
     // bounds the time extent, and what one beam's words widen (its time
     // among them; s.profileTime is its profile's).
-    bool headerTimeBound;
-    void (*widenByBeam)(const ProfileState &s, const std::uint32_t *words, Extent *extents);
+    bool headerTimeBound = true;
+    void (*widenByBeam)(const ProfileState &s, const std::uint32_t *words, Extent *extents) = nullptr;
 };
+
+// The tables of the families, for salvaging their lines.
+const ProfileFamily &observedDepthsProfiles();
+const ProfileFamily &slantRangeProfiles();
+const ProfileFamily &tpeProfiles();
 
 struct ProfileHeader {
     std::uint32_t number = 0;  // 0: nothing cached
@@ -115,7 +120,9 @@ int endProfile(TOVO_Sensor &h, ProfileState &s);
 // Word 1 of a beam: status bits over the 16-bit time offset from the ping.
 std::uint32_t statusAndOffset(const ProfileState &s, double beamTime, std::uint32_t status);
 // The beam time that word 1 carries.
-double beamTime(const ProfileState &s, double profileTime, std::uint32_t word1);
+inline double beamTime(const ProfileState &s, double profileTime, std::uint32_t word1) {
+    return decodeDepthTime(profileTime, s.depthTimeScale, static_cast<std::int16_t>(word1 & 0xFFFFu));
+}
 
 // The operations every profile family has in the same form: the family's
 // entry checks and codes, then the shared effect. The tool type words are
@@ -150,8 +157,9 @@ int parseHeader(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words, Pro
 // Where the beams of the profile whose header is at offset must end.
 std::uint64_t profileLimit(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile);
 // Maps, seeks to and reads header number profile into s.header, leaving
-// the file behind it.
-int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decodeReason);
+// the file behind it; ahead bytes come with it when more than a random
+// read takes.
+int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decodeReason, std::size_t ahead = 0);
 // Reads one beam: no seek when it follows the last beam read in the same
 // profile and nothing moved the file since.
 int readBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std::uint32_t beam, std::uint32_t *words,

@@ -170,15 +170,9 @@ int openEngine(TOVO_Sensor *h, EngineState *state) {
     return rc;
 }
 
-int appendIndexEntry(TOVO_Sensor &h, EngineState &s, std::int32_t encodedTime) {
-    // Offsets are 32-bit in the index: a data file beyond 4 GiB cannot be indexed.
-    const std::uint64_t offset = s.appender.offset();
-    if (offset > 0xFFFFFFFFu) return s.family.code(kTimeIndexEntryFailed);
-    if (h.timeIndex.append(encodedTime, static_cast<std::uint32_t>(offset)) != 0) {
-        say("TmIdxEntry: out of memory\n");
-        return s.family.code(kTimeIndexEntryFailed);
-    }
-    return 0;
+int indexEntryFailed(const EngineState &s) {
+    if (s.appender.offset() <= 0xFFFFFFFFu) say("TmIdxEntry: out of memory\n");
+    return s.family.code(kTimeIndexEntryFailed);
 }
 
 int referencesFixed(TOVO_Sensor &h, EngineState &s) { return writeSummaryBlock(h, s); }

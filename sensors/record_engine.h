@@ -142,6 +142,13 @@ State *stateOf(const TOVO_Sensor *h, const EngineFamily &f) {
 inline bool isCreate(const TOVO_Sensor &h) { return h.accessMode != 2 && h.accessMode != 3; }
 inline bool isUpdate(const TOVO_Sensor &h) { return h.accessMode == 3; }
 
+// The arithmetic of TOVO_DecodeMeters and TOVO_DecodeDepthTime inline, for
+// the record loops: the same operations give the same values.
+inline double decodeMetres(std::int32_t unit) { return unit / 1000.0; }
+inline double decodeDepthTime(double reference, std::int32_t scale, std::int32_t unit) {
+    return static_cast<double>(unit) / scale + reference;
+}
+
 // Completes a handle fresh from SensorOpenDir: installs the state, then
 // writes the validation record and a blank summary (create), or reads and
 // checks the summary, the line segments and the time index. On failure the
@@ -149,9 +156,21 @@ inline bool isUpdate(const TOVO_Sensor &h) { return h.accessMode == 3; }
 // and the code is returned.
 int openEngine(TOVO_Sensor *h, EngineState *state);
 
+// Decodes the validation record and the summary block of the data file
+// (through s.source) into the handle and the state, then checks scales and
+// counts against the file: 0 or the family's code (the words read stay set).
+int readSummary(TOVO_Sensor &h, EngineState &s);
+
 // Create mode: the time index entry of the record or profile about to be
 // appended, at the offset it will have.
-int appendIndexEntry(TOVO_Sensor &h, EngineState &s, std::int32_t encodedTime);
+int indexEntryFailed(const EngineState &s);
+inline int appendIndexEntry(TOVO_Sensor &h, EngineState &s, std::int32_t encodedTime) {
+    // Offsets are 32-bit in the index: a data file beyond 4 GiB cannot be indexed.
+    const std::uint64_t offset = s.appender.offset();
+    if (offset > 0xFFFFFFFFu || h.timeIndex.append(encodedTime, static_cast<std::uint32_t>(offset)) != 0)
+        return indexEntryFailed(s);
+    return 0;
+}
 // Create mode, once the first record has fixed the references: writes the
 // summary as it stands, so that a writer killed later leaves a data file
 // whose summary decodes.

@@ -100,22 +100,6 @@ const unsigned char *readNextRecord(TOVO_Sensor &, RecordState &s, int *rc) {
     return bytes;
 }
 
-int beginRecord(TOVO_Sensor &h, RecordState &s, std::int32_t encodedTime) {
-    return appendIndexEntry(h, s, encodedTime);
-}
-
-int finishRecord(TOVO_Sensor &, RecordState &s) {
-    if (!s.appender.append(s.record, s.records.recordSize())) return s.family.code(kWriteFailed);
-    return 0;
-}
-
-void widenExtents(TOVO_Sensor &h, const double *values, int count) {
-    for (int k = 0; k < count; ++k) {
-        h.extents[k].widen(values[k]);
-        if (h.lastSegment) h.lastSegment->extents[k].widen(values[k]);
-    }
-}
-
 int saveStatusToDisk(TOVO_Sensor &h, RecordState &s) {
     const RecordFamily &f = s.records;
     if (writeSummaryBlock(h, s) != 0) return f.code(kSummaryNotWritten);

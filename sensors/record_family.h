@@ -65,12 +65,24 @@ int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32
 
 // Starts a record of the encoded time: its time index entry at the offset
 // the record will have.
-int beginRecord(TOVO_Sensor &h, RecordState &s, std::int32_t encodedTime);
+inline int beginRecord(TOVO_Sensor &h, RecordState &s, std::int32_t encodedTime) {
+    return appendIndexEntry(h, s, encodedTime);
+}
 // Appends the filled record buffer.
-int finishRecord(TOVO_Sensor &h, RecordState &s);
+inline int finishRecord(TOVO_Sensor &, RecordState &s) {
+    if (!s.appender.append(s.record, s.records.recordSize())) return s.family.code(kWriteFailed);
+    return 0;
+}
 
 // Widens the summary and the current segment's extents by the raw values.
-void widenExtents(TOVO_Sensor &h, const double *values, int count);
+template <int Count>
+void widenExtents(TOVO_Sensor &h, const double (&values)[Count]) {
+    _TOVO_LnSeg *segment = h.lastSegment;
+    for (int k = 0; k < Count; ++k) {
+        h.extents[k].widen(values[k]);
+        if (segment) segment->extents[k].widen(values[k]);
+    }
+}
 
 int saveStatusToDisk(TOVO_Sensor &h, RecordState &s);
 // Finishes and releases the handle whatever happens; the first failure's code.
@@ -92,21 +104,37 @@ int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32
     std::uint32_t offset = 0;
     bool contiguous = false;
     if (int rc = rangeStart(h, f, first, count, offset, contiguous)) return rc;
+    // Contiguous records come a window at a time; others one by one.
+    const std::uint32_t perWindow = contiguous ? static_cast<std::uint32_t>(kWindowBytes / size) : 1;
     std::uint64_t at = offset;
-    for (std::uint32_t i = 0; i < count; ++i, at += size) {
+    for (std::uint32_t i = 0; i < count;) {
         if (!contiguous && i > 0) {
             std::uint32_t mapped = 0;
             if (int rc = mapRecord(h, f, first + i, mapped)) return rc;
             at = mapped;
         }
+        const std::uint32_t batch = std::min(perWindow, count - i);
+        const std::size_t bytes = std::size_t{batch} * size;
         const std::size_t ahead =
             static_cast<std::size_t>(std::min<std::uint64_t>(kWindowBytes, std::uint64_t{count - i} * size));
-        const unsigned char *bytes = s.window.at(*s.source, at, size, ahead);
-        if (!bytes) return f.code(kReadFailed);
-        s.nextOffset = at + size;
-        if (int rc = visit(i, bytes)) return rc;
+        const unsigned char *p = s.window.at(*s.source, at, bytes, std::max(bytes, ahead));
+        if (!p) return f.code(kReadFailed);
+        for (std::uint32_t j = 0; j < batch; ++j, p += size)
+            if (int rc = visit(i + j, p)) return rc;
+        i += batch;
+        at += bytes;
+        s.nextOffset = at;
     }
     return 0;
+}
+
+// The arithmetic of TOVO_DecodeTime and TOVO_DecodePosition inline, for the
+// record loops: the same operations in the same order give the same values.
+inline double decodeTime(const TOVO_Sensor &h, std::int32_t unit) {
+    return static_cast<double>(unit) / h.timeScale + h.referenceTime * 60.0;
+}
+inline double decodePosition(std::int32_t reference, std::int32_t scale, std::int32_t unit) {
+    return static_cast<double>(unit) * scale * 1e-9 + reference * 1e-7;
 }
 
 int beginLineSegment(TOVO_Sensor &h, const RecordFamily &f, const wchar_t *sourceName);

@@ -51,6 +51,7 @@ const RecordFamily kSimple = {
 
 struct SimpleSensorState : RecordState {
     SimpleSensorState() : RecordState(kSimple) {}
+    double valueDivisor = 1000.0;  // units per metre or radian, as TOVO_DecodeMeters or ..Radians divide
 };
 
 bool isSimpleType(unsigned int typeId) {
@@ -69,10 +70,10 @@ int check(TOVO_Sensor *h, SimpleSensorState *&state) {
 }
 
 // A record's words: status, time, value.
-void decodeRecord(const TOVO_Sensor &h, const unsigned char *bytes, double *time, double *value,
-                  unsigned int *status) {
-    if (time) *time = TOVO_DecodeTime(h.referenceTime, h.timeScale, static_cast<std::int32_t>(loadBe32(bytes + 4)));
-    if (value) *value = h.decodeValue(static_cast<std::int32_t>(loadBe32(bytes + 8)));
+void decodeRecord(const TOVO_Sensor &h, const SimpleSensorState &s, const unsigned char *bytes, double *time,
+                  double *value, unsigned int *status) {
+    if (time) *time = decodeTime(h, static_cast<std::int32_t>(loadBe32(bytes + 4)));
+    if (value) *value = static_cast<std::int32_t>(loadBe32(bytes + 8)) / s.valueDivisor;
     if (status) *status = loadBe32(bytes);
 }
 
@@ -93,7 +94,7 @@ int writeRecord(TOVO_Sensor &h, SimpleSensorState &s, double time, double value,
     storeBe32(s.record + 8, static_cast<std::uint32_t>(v));
     if (int rc = finishRecord(h, s)) return rc;
     const double values[2] = {time, value};
-    widenExtents(h, values, 2);
+    widenExtents(h, values);
     ++s.written;
     return first ? referencesFixed(h, s) : 0;
 }
@@ -136,6 +137,7 @@ extern "C" VELMIO_API TOVO_Sensor *SimpleSensorOpen(const wchar_t *lineDirectory
         rc = kNoMemory;
         return nullptr;
     }
+    if (encodingKind == VELMIO_SIMPLE_SENSOR_RADIANS) state->valueDivisor = 10000000.0;
     rc = openRecordFamily(h, state);
     return rc == 0 ? h : nullptr;
 }
@@ -184,7 +186,7 @@ extern "C" VELMIO_API int SimpleSensorRead(TOVO_Sensor *h, unsigned int n, doubl
     if (!status) return kMissingOutput;
     if (n < 1 || n > h->recordCount) return kSimple.code(kOutOfRange);
     if (int rc = readRecordAt(*h, *s, n)) return rc;
-    decodeRecord(*h, s->record, time, value, status);
+    decodeRecord(*h, *s, s->record, time, value, status);
     // Unsaved edits are what an editor must see.
     if (isUpdate(*h)) *status = h->shadowStatus[n];
     return 0;
@@ -199,7 +201,7 @@ extern "C" VELMIO_API int SimpleSensorReadRange(TOVO_Sensor *h, unsigned int fir
     if (!inRange(*h, firstRecord, count)) return kSimple.code(kOutOfRange);
     const bool edited = isUpdate(*h);
     return readRecords(*h, *s, firstRecord, count, [&](std::uint32_t i, const unsigned char *bytes) {
-        decodeRecord(*h, bytes, times ? times + i : nullptr, values ? values + i : nullptr,
+        decodeRecord(*h, *s, bytes, times ? times + i : nullptr, values ? values + i : nullptr,
                      statuses ? statuses + i : nullptr);
         if (statuses && edited) statuses[i] = h->shadowStatus[firstRecord + i];
         return 0;
@@ -214,7 +216,7 @@ extern "C" VELMIO_API int SimpleSensorReadSeq(TOVO_Sensor *h, double *time, doub
     int rc = 0;
     const unsigned char *bytes = readNextRecord(*h, *s, &rc);
     if (!bytes) return rc;
-    decodeRecord(*h, bytes, time, value, status);
+    decodeRecord(*h, *s, bytes, time, value, status);
     return 0;
 }
 

@@ -72,7 +72,7 @@ double unpackAngle(std::uint32_t half) { return static_cast<std::int16_t>(half &
 void fillBeam(const TOVO_Sensor &, const ProfileState &s, const std::uint32_t *w, double *time, double *range,
               double *value, double *angle1, double *angle2, unsigned int *status) {
     *time = beamTime(s, s.profileTime, w[0]);
-    *range = TOVO_DecodeMeters(asSigned(w[1]));
+    *range = decodeMetres(asSigned(w[1]));
     *value = asSigned(w[2]) / 1000000.0;
     *angle1 = unpackAngle(w[3] >> 16);
     *angle2 = unpackAngle(w[3]);
@@ -201,19 +201,21 @@ VELMIO_API int SLRangeReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, 
                                 double *ranges, double *values, double *beamAngles1, double *beamAngles2,
                                 unsigned int *statuses) {
     auto beamsOf = angleProfileBeams(handle, SLRangeReadProfile);
-    auto readBeam = [&](std::uint32_t p, std::uint32_t b, std::uint32_t k) {
+    const ProfileState *s = stateOf<ProfileState>(handle, kSlantRange);
+    auto decode = [&](const std::uint32_t *words, std::uint32_t k) {
         double t, r, v, a1, a2;
         unsigned int status;
-        if (const int rc = SLRangeRead(handle, p, b, &t, &r, &v, &a1, &a2, &status)) return rc;
+        fillBeam(*handle, *s, words, &t, &r, &v, &a1, &a2, &status);
         if (beamTimes) beamTimes[k] = t;
         if (ranges) ranges[k] = r;
         if (values) values[k] = v;
         if (beamAngles1) beamAngles1[k] = a1;
         if (beamAngles2) beamAngles2[k] = a2;
         if (statuses) statuses[k] = status;
-        return 0;
     };
-    return readBeams(handle, kSlantRange, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readBeam);
+    auto readable = [s](std::uint32_t p) { return withinBeamTotal(*s, p); };
+    return readBeamsInPlace(handle, kSlantRange, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readable,
+                            decode);
 }
 
 VELMIO_API int SLRangeBgnSeqWriteSummary(TOVO_Sensor *handle, unsigned int toolType) {

@@ -328,7 +328,21 @@ VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsi
         if (statuses) statuses[k] = status;
         return 0;
     };
-    return readBeams(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readBeam);
+    const TpeState *t = stateOf<TpeState>(handle, kTpe);
+    // The block reader holds its own copy of the headers: its reads stay per beam.
+    if (!t || cacheOn(*t))
+        return readBeams(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readBeam);
+    auto decode = [&](const std::uint32_t *words, std::uint32_t k) {
+        double bt, e1, e2;
+        unsigned int status;
+        fillBeam(*t, t->profileTime, words, &bt, &e1, &e2, &status);
+        if (beamTimes) beamTimes[k] = bt;
+        if (errors1) errors1[k] = e1;
+        if (errors2) errors2[k] = e2;
+        if (statuses) statuses[k] = status;
+    };
+    auto readable = [t](std::uint32_t p) { return withinBeamTotal(*t, p); };
+    return readBeamsInPlace(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readable, decode);
 }
 
 VELMIO_API int TPEBgnSeqWriteSummary(TOVO_Sensor *handle) {
