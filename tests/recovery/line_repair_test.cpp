@@ -173,8 +173,11 @@ TEST(LineRepair, ProfileFamiliesCutInsideTheirLastProfileRepairToACleanWriteOfTh
         const char *data;
         void (*write)(const std::string &, int);
     };
-    for (const Case &c : {Case{"ProcessedDepths", processedDepths}, Case{"SideScan", sideScan<SideScanEM100OpenDir, true>},
-                          Case{"SideScan", sideScan<SideScanELACOpenDir, false>}}) {
+    const Case cases[] = {{"ProcessedDepths", processedDepths},
+                          {"SideScan", sideScan<SideScanEM100OpenDir, true>},
+                          {"SideScan", sideScan<SideScanELACOpenDir, false>},
+                          {"NewSSSProcessedSideScan", sideScan<NewSSSProcessedSideScanOpenDir, false>}};
+    for (const Case &c : cases) {
         SCOPED_TRACE(c.data);
         TempDir dir;
         const std::string line = dir.file("line"), whole = dir.file("whole"), data = line + "/" + c.data;
