@@ -435,7 +435,7 @@ int sideScanSegment(TOVO_Sensor *h, int n, Segment &out) {
 
 Family sideScan(const char *name, unsigned int typeId, TOVO_Sensor *(*open)(const wchar_t *, const wchar_t *, int *)) {
     return {name, typeId, Kind::Profile, "pings", open, SideScanClose, sideScanSummary, sideScanSegment,
-            profileReader<kSideScanOps>};
+            profileReader<kSideScanOps>, "samples"};
 }
 
 std::vector<Family> makeTable() {

@@ -64,6 +64,7 @@ struct Family {
     int (*segment)(TOVO_Sensor *, int number, Segment &);
     // Rows first..last (records, or profiles of a profile family), counted from 1.
     std::unique_ptr<RowReader> (*reader)(TOVO_Sensor *, unsigned int first, unsigned int last);
+    const char *itemName = "beams";  // what a profile holds: beams, or side scan samples
 };
 
 const std::vector<Family> &families();

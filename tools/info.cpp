@@ -127,7 +127,7 @@ void printLine(const LineInfo &line) {
         }
         const Summary &m = s.summary;
         std::printf("  %-18s %8u %-7s", s.family->name, m.records, s.family->unitName);
-        if (m.beams) std::printf(" %9u beams", m.beams);
+        if (m.beams) std::printf(" %9u %-7s", m.beams, s.family->itemName);
         std::printf("  %s .. %s", dayOfYearText(m.minTime).c_str(), dayOfYearText(m.maxTime).c_str());
         for (const Extent &e : m.extents) std::printf("  %s", extentText(e).c_str());
         std::printf("  status %u\n", m.status);
