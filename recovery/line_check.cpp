@@ -5,6 +5,8 @@
 #include <velmio/line_check.h>
 #include <velmio/navigation.h>
 #include <velmio/observed_depths.h>
+#include <velmio/processed_depths.h>
+#include <velmio/side_scan.h>
 #include <velmio/simple_sensor.h>
 #include <velmio/slant_range.h>
 #include <velmio/tpe.h>
@@ -108,6 +110,27 @@ int segmentRange(Call call) {
             }                                                                                                       \
     }
 
+// The "SideScan" file opens through the opener of the kind it records.
+TOVO_Sensor *openSideScanFile(const wchar_t *line, const wchar_t *mode, int *error) {
+    const std::uint32_t type = velmio::sideScanFileType(line);
+    if (type == 9) return SideScanEM100OpenDir(line, mode, error);
+    if (type == 10) return SideScanEM1000OpenDir(line, mode, error);
+    return SideScanOpenDir(line, mode, error);
+}
+
+int processedDepthsTimes(TOVO_Sensor *h, unsigned int first, unsigned int count, double *times) {
+    std::vector<ProcessedDepthsPing> pings(count);
+    const int rc = ProcessedDepthsReadProfiles(h, first, count, pings.data(), nullptr, nullptr);
+    for (unsigned int i = 0; rc == 0 && i < count; ++i) times[i] = pings[i].time;
+    return rc;
+}
+
+#define VELM_SIDE_SCAN(NAME, OPEN)                                                                                  \
+    VELM_PROFILES(NAME, OPEN, SideScan,                                                                             \
+                  SideScanSummary(h, nullptr, s, r, nullptr, &d[0], &d[1], nullptr, nullptr, &u[0]),             \
+                  SideScanReadProfiles(h, f, c, nullptr, nullptr, t, nullptr, nullptr, nullptr, nullptr, nullptr), \
+                  SideScanLineSegment(h, n, name, f, l, &d[0], &d[1], &status))
+
 const Family kFamilies[] = {
     VELM_SIMPLE(Gyro), VELM_SIMPLE(Heave), VELM_SIMPLE(Pitch), VELM_SIMPLE(Roll), VELM_SIMPLE(Tide),
     VELM_SIMPLE(SSSGyro), VELM_SIMPLE(SSSCableOut), VELM_SIMPLE(SSSSensorHeight), VELM_SIMPLE(SSSSensorDepth),
@@ -128,6 +151,14 @@ const Family kFamilies[] = {
                   TPESummary(h, s, r, &u[0], &d[0], &d[1], &u[1], &u[2], &d[2], &d[3], &d[4], &d[5], &u[3]),
                   TPEReadProfiles(h, f, c, nullptr, nullptr, t, nullptr, nullptr),
                   TPELineSegment(h, n, name, f, l, &d[0], &d[1], &status)),
+    VELM_PROFILES(L"ProcessedDepths", ProcessedDepthsOpenDir, ProcessedDepths,
+                  ProcessedDepthsSummary(h, &u[0], s, r, &u[1], &d[0], &d[1], &d[2], &d[3], &u[2]),
+                  processedDepthsTimes(h, f, c, t),
+                  ProcessedDepthsLineSegment(h, n, name, f, l, &d[0], &d[1], &d[2], &d[3], &status)),
+    VELM_SIDE_SCAN(L"SideScan", openSideScanFile),
+    VELM_SIDE_SCAN(L"SSSSideScan", SSSSideScanOpenDir),
+    VELM_SIDE_SCAN(L"SSSProcessedSideScan", SSSProcessedSideScanOpenDir),
+    VELM_SIDE_SCAN(L"NewSSSProcessedSideScan", NewSSSProcessedSideScanOpenDir),
 };
 
 struct Problem {
@@ -178,6 +209,11 @@ private:
             checkTimes(line, family, h, records);
             checkSegments(line, family, h, segments, records);
         }
+        // Readers refuse a trace file cut inside a record.
+        const std::uint32_t kind = family.open == openSideScanFile ? velmio::sideScanFileType(line.c_str()) : 0;
+        unsigned int traces = 0;
+        if (kind == 9 || kind == 10)
+            if (int rc = SideScanTraceCount(h, &traces)) report(line, family, 0, rc);
         family.close(h);
         checkTail(line, family);
         return true;
@@ -189,8 +225,9 @@ private:
         velmio::SalvageOptions options;
         options.tailOnly = true;
         velmio::SalvageReport tail;
-        if (velmio::salvageLine(line.c_str(), velmio::salvageTypeId(family.name), options, tail) != 0 ||
-            !tail.summaryValid)
+        std::uint32_t typeId = 0;
+        if (!velmio::salvageTypeId(family.name, typeId) ||
+            velmio::salvageLine(line.c_str(), typeId, options, tail) != 0 || !tail.summaryValid)
             return;
         if (tail.wholeBytes > tail.summaryEnd)
             report(line, family, static_cast<unsigned int>(tail.wholeBytes - tail.summaryEnd), kWholeRecordsBeyond);

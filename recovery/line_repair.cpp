@@ -34,9 +34,10 @@ struct Sensor {
     std::wstring suffix;
 };
 
-// A sensor's files as the line store names them.
+// A sensor's files as the line store names them; side scan may have a trace.
 std::vector<std::wstring> filesOf(const std::wstring &line, const std::wstring &name) {
     const std::wstring data = line + L"/" + name;
+    if (name == L"SideScan") return {data, data + L"LineSegments", data + L"TmIdx", data + L"Trace"};
     return {data, data + L"LineSegments", data + L"TmIdx"};
 }
 
@@ -80,7 +81,7 @@ public:
         s.code = velmio::salvageLine(line_.c_str(), s.typeId, look, s.found);
         const velmio::SalvageReport &r = s.found;
         s.repaired = s.code == 0 && !(r.summaryValid && r.summaryEnd == r.dataBytes && r.segmentsValid &&
-                                      r.timeIndexValid && r.wholeRecords == r.summaryRecords);
+                                      r.timeIndexValid && r.wholeRecords == r.summaryRecords && !r.traceDroppedBytes);
         if (!s.repaired || dryRun_) return;
         const std::vector<std::wstring> files = filesOf(line_, s.name);
         s.suffix = freeSuffix(files);
@@ -97,7 +98,7 @@ public:
 
 private:
     // Renames every file present, then copies back what the salvage reads:
-    // the data file and an intact segment file.
+    // the data file, an intact segment file and a trace file.
     int setAside(const std::vector<std::wstring> &files, const std::wstring &suffix, bool segmentsIntact,
                  std::vector<bool> &found, std::vector<bool> &aside) {
         for (std::size_t i = 0; i < files.size(); ++i) {
@@ -112,6 +113,7 @@ private:
         if (velmio::platform::syncDirectory(line_) != 0) return kNotSetAside;
         if (!copyFile(files[0] + suffix, files[0])) return kNotSetAside;
         if (segmentsIntact && !copyFile(files[1] + suffix, files[1])) return kNotSetAside;
+        if (files.size() > 3 && found[3] && !copyFile(files[3] + suffix, files[3])) return kNotSetAside;
         return 0;
     }
 
@@ -165,8 +167,8 @@ VELMIO_API int VELMRepairPath(const wchar_t *line, const wchar_t *sensorName, in
     try {
         std::vector<Sensor> sensors;
         if (sensorName) {
-            const std::uint32_t id = velmio::salvageTypeId(sensorName);
-            if (!id) return velmio::kSalvageUnknownFamily;
+            std::uint32_t id = 0;
+            if (!velmio::salvageTypeId(sensorName, id)) return velmio::kSalvageUnknownFamily;
             sensors.emplace_back(id, sensorName);
         } else {
             std::size_t count = 0;

@@ -45,17 +45,22 @@ struct SalvageReport {
     std::uint32_t summaryRecords = 0;  // what the summary counts (when it decodes)
     std::uint64_t summaryEnd = 0;      // where the records the summary counts end
     std::uint64_t droppedBytes = 0;    // the partial record or profile cut off
+    std::uint64_t traceDroppedBytes = 0;  // trace records cut with it, or partial
     std::uint32_t segmentsWritten = 0;
     bool segmentsKept = false;
 };
 
 // True for the type ids salvageLine handles (53: observed depths written as
-// ObservedDepthsNew).
+// ObservedDepthsNew; 9, 10, 15 and 20 salvage a "SideScan" file as the kind
+// it records).
 bool canSalvage(std::uint32_t typeId);
 
 // The type id of a sensor name (its data file's name, e.g. L"Gyro") that
-// salvageLine handles, or 0.
-std::uint32_t salvageTypeId(const wchar_t *sensorName);
+// salvageLine handles; false for any other name (0 is processed depths).
+bool salvageTypeId(const wchar_t *sensorName, std::uint32_t &typeId);
+// The side scan kind (9, 10, 15 or 20) the "SideScan" file in lineDirectory
+// names in its validation record, or 0.
+std::uint32_t sideScanFileType(const wchar_t *lineDirectory);
 // The type ids salvageLine handles, in a fixed order; count set.
 const std::uint32_t *salvageTypeIds(std::size_t &count);
 

@@ -59,6 +59,7 @@ const ProfileFamily kObservedDepths = {
     true,                       // family state checked before the type
     false,                      // time bounds come from the beams only
     widenByBeam,
+    nullptr,
 };
 
 int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enterProfile(h, kObservedDepths, modes, s); }

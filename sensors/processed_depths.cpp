@@ -53,6 +53,11 @@ constexpr SummaryField kSummary[] = {
 constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
 static_assert(kSummaryWords == kProcessedSummaryWords && kSummaryWords <= kMaxSummaryWords, "the documented summary");
 
+// Beam times stay out of the time bounds, as the writer leaves them out.
+void widenByBeam(const ProfileState &, const std::uint32_t *w, Extent *extents) {
+    extents[kDepth].widen(TOVO_DecodeMeters(asSigned(w[1])));
+}
+
 const ProfileFamily kProcessedDepths = {
     {
         5000300,
@@ -74,11 +79,18 @@ const ProfileFamily kProcessedDepths = {
     0,
     kOutOfRange,
     false,
-    false,
-    nullptr,  // not salvaged
+    true,
+    widenByBeam,
+    nullptr,
 };
 
 int code(int reason) { return kProcessedDepths.code(reason); }
+
+}  // namespace
+
+const ProfileFamily &velmio::processedDepthsProfiles() { return kProcessedDepths; }
+
+namespace {
 
 class ProcessedState : public ProfileState {
 public:

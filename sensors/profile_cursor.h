@@ -38,12 +38,10 @@ struct ProfileFamily : EngineFamily {
     // among them; s.profileTime is its profile's).
     bool headerTimeBound = true;
     void (*widenByBeam)(const ProfileState &s, const std::uint32_t *words, Extent *extents) = nullptr;
+    // The items a header declares and its encoded time, for headers not laid
+    // out {status, layout, time, ...}; null for that layout.
+    void (*headerItemsAndTime)(const std::uint32_t *words, std::uint32_t &items, std::int32_t &encodedTime) = nullptr;
 };
-
-// The tables of the families, for salvaging their lines.
-const ProfileFamily &observedDepthsProfiles();
-const ProfileFamily &slantRangeProfiles();
-const ProfileFamily &tpeProfiles();
 
 struct ProfileHeader {
     std::uint32_t number = 0;  // 0: nothing cached
@@ -95,6 +93,9 @@ inline bool isWriting(const TOVO_Sensor &h) { return isCreate(h); }
 const ProfileFamily &observedDepthsProfiles();
 const ProfileFamily &slantRangeProfiles();
 const ProfileFamily &tpeProfiles();
+const ProfileFamily &processedDepthsProfiles();
+// The side scan kind a file of typeId holds (32787 is written as 19), or null.
+const ProfileFamily *sideScanProfiles(std::uint32_t typeId);
 
 // Opens through SensorOpenDir with openId and builds the handle: create mode
 // writes the validation record and reserves the summary; read modes read

@@ -43,6 +43,16 @@ constexpr int kSummaryWords = sizeof kSummary / sizeof kSummary[0];
 static_assert(kSummaryWords == kSideScanSummaryWords && kSummaryWords <= kMaxSummaryWords, "the documented summary");
 static_assert(kSideScanHeaderWords <= kMaxProfileRecordWords, "a header fits the record buffers");
 
+// Amplitudes bound the summary only: the segments carry ping times alone.
+void widenByBeam(const ProfileState &, const std::uint32_t *w, Extent *extents) {
+    extents[kAmplitude].widen(asSigned(w[0]));
+}
+
+void headerItemsAndTime(const std::uint32_t *w, std::uint32_t &items, std::int32_t &encodedTime) {
+    items = w[1];
+    encodedTime = asSigned(w[3]);
+}
+
 // The kinds differ only in the type their files and handles carry.
 ProfileFamily kind(std::uint32_t typeId) {
     return {{kBlock, 1, {4 * kSideScanHeaderWords, 4 * kSideScanSampleWords, false}, {0, 0, false}, kSummaryWords,
@@ -53,8 +63,9 @@ ProfileFamily kind(std::uint32_t typeId) {
             typeId,
             kOutOfRange,
             false,
-            false,
-            nullptr};  // not salvaged
+            true,
+            widenByBeam,
+            headerItemsAndTime};
 }
 
 const ProfileFamily kKinds[] = {kind(9), kind(10), kind(13), kind(15), kind(19), kind(20)};
@@ -228,6 +239,8 @@ const SideScanAccess &sideScanFamilyAccess() {
                                          SideScanClose};
     return table;
 }
+
+const ProfileFamily *sideScanProfiles(std::uint32_t typeId) { return kindOf(typeId == 32787 ? 19 : typeId); }
 
 }  // namespace velmio
 

@@ -56,6 +56,7 @@ const ProfileFamily kSlantRange = {
     false,
     true,
     widenByBeam,
+    nullptr,
 };
 
 int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enterProfile(h, kSlantRange, modes, s); }

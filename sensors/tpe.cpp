@@ -78,6 +78,7 @@ const ProfileFamily kTpe = {
     false,
     true,
     widenByBeam,
+    nullptr,
 };
 
 class TpeState : public ProfileState {

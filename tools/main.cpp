@@ -63,8 +63,9 @@ const Command kCommands[] = {
     {"help", nullptr, "[COMMAND]", "this text, or a command's", "", "Help"},
     {"check", runCheck, "PATH [--json]", "verify every sensor of a line or of the lines below",
      "Checks every file of every sensor: validation records, summaries against the records present, the\n"
-     "time index, segments and time order. Each problem is listed with its line, sensor, record and code;\n"
-     "exit 1 when anything is wrong.\n"
+     "time index, segments and time order. Each problem is listed with its line, sensor, record and code\n"
+     "(for 5029103 and 5029104, whole records beyond the summary and a partial one at the end, a count of\n"
+     "bytes in place of the record); exit 1 when anything is wrong.\n"
      "  --json   one JSON document",
      "Check"},
     {"repair", runRepair, "LINE [SENSOR] [--dry-run]", "salvage an interrupted or damaged line",

@@ -1,8 +1,11 @@
 // Repairing a damaged line whose segment file survived: a dry run touches
 // nothing, the repair keeps the segments and rebuilds exactly the files a
-// clean write made, and the damaged files stay aside.
+// clean write made, and the damaged files stay aside. Profile families cut
+// inside their last profile repair to a clean write of the whole profiles.
 #include <velmio/line_check.h>
 #include <velmio/observed_depths.h>
+#include <velmio/processed_depths.h>
+#include <velmio/side_scan.h>
 #include <velmio/simple_sensor.h>
 
 #include "support/test_support.h"
@@ -47,6 +50,47 @@ void writeLine(const std::string &line) {
     }
     ASSERT_EQ(ObservedDepthsEndSeqWriteLineSegment(h, 0), 0);
     ASSERT_EQ(ObservedDepthsClose(h), 0);
+}
+
+// Profiles 0 .. count - 1 in one segment named as a repair names the one it
+// recovers; the last of three holds the widest values, so that bounds left
+// over from the cut profile show.
+void processedDepths(const std::string &line, int count) {
+    int error = 0;
+    TOVO_Sensor *h = ProcessedDepthsOpenDir(widen(line).c_str(), L"create", &error);
+    ASSERT_NE(h, nullptr);
+    ASSERT_EQ(ProcessedDepthsBgnSeqWriteSummary(h, 7), 0);
+    ASSERT_EQ(ProcessedDepthsBgnSeqWriteLineSegment(h, L"recovered"), 0);
+    for (int p = 0; p < count; ++p) {
+        const ProcessedDepthsPing ping = {0, 2, 1, 500.0 + p, unsigned(p), 0.9, 0.1, 0, 0, 0, 0, 0, 0, 1500};
+        ASSERT_EQ(ProcessedDepthsBgnSeqWriteProfile(h, &ping, nullptr, nullptr), 0);
+        for (int b = 0; b < 2; ++b) {
+            const ProcessedDepthsSounding sounding = {0, 500.0 + p, 10.0 + 10 * p * p + b, 0, 0, 0.9, 0.1, 0, 0};
+            ASSERT_EQ(ProcessedDepthsSeqWrite(h, &sounding, nullptr, nullptr), 0);
+        }
+        ASSERT_EQ(ProcessedDepthsEndSeqWriteProfile(h), 0);
+    }
+    ASSERT_EQ(ProcessedDepthsEndSeqWriteLineSegment(h, 0), 0);
+    ASSERT_EQ(ProcessedDepthsClose(h), 0);
+}
+
+template <TOVO_Sensor *(*Open)(const wchar_t *, const wchar_t *, int *), bool traced>
+void sideScan(const std::string &line, int count) {
+    int error = 0;
+    TOVO_Sensor *h = Open(widen(line).c_str(), L"create", &error);
+    ASSERT_NE(h, nullptr);
+    ASSERT_EQ(SideScanBgnSeqWriteSummary(h, 3), 0);
+    ASSERT_EQ(SideScanBgnSeqWriteLineSegment(h, L"recovered"), 0);
+    for (int p = 0; p < count; ++p) {
+        ASSERT_EQ(SideScanBgnSeqWriteProfile(h, 3, 1, 600.0 + p, 0.001, 2, 3, 4, 0), 0);
+        for (int k = 0; k < 3; ++k) ASSERT_EQ(SideScanSeqWrite(h, (k - 1) * (1 + 100 * p * p), 0), 0);
+        ASSERT_EQ(SideScanEndSeqWriteProfile(h), 0);
+        if (traced) {
+            ASSERT_EQ(SideScanSeqWriteTrace(h, 2, 12.5), 0);
+        }
+    }
+    ASSERT_EQ(SideScanEndSeqWriteLineSegment(h, 0), 0);
+    ASSERT_EQ(SideScanClose(h), 0);
 }
 
 int repair(const std::string &line, int dryRun, VELMRepairReport **reports, unsigned int *count) {
@@ -122,6 +166,44 @@ TEST(LineRepair, KeepsIntactSegmentsAndRebuildsWhatACleanWriteMade) {
     EXPECT_TRUE(!reports[0].repaired && !reports[1].repaired);
     VELMRepairFree(reports, count);
     EXPECT_EQ(snapshot(line), repaired);
+}
+
+TEST(LineRepair, ProfileFamiliesCutInsideTheirLastProfileRepairToACleanWriteOfTheWholeOnes) {
+    struct Case {
+        const char *data;
+        void (*write)(const std::string &, int);
+    };
+    const Case cases[] = {{"ProcessedDepths", processedDepths},
+                          {"SideScan", sideScan<SideScanEM100OpenDir, true>},
+                          {"SideScan", sideScan<SideScanELACOpenDir, false>},
+                          {"NewSSSProcessedSideScan", sideScan<NewSSSProcessedSideScanOpenDir, false>}};
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.data);
+        TempDir dir;
+        const std::string line = dir.file("line"), whole = dir.file("whole"), data = line + "/" + c.data;
+        fs::create_directories(line);
+        fs::create_directories(whole);
+        c.write(line, 3);
+        c.write(whole, 2);
+        // As a writer killed inside its last profile leaves the line: the
+        // trace of the cut profile is written, segment file and index are not.
+        fs::resize_file(data, fs::file_size(data) - 5);
+        fs::remove(data + "TmIdx");
+        fs::remove(data + "LineSegments");
+        EXPECT_GT(problems(line), 0u);
+
+        VELMRepairReport *reports = nullptr;
+        unsigned int count = 0;
+        ASSERT_EQ(repair(line, 0, &reports, &count), 0);
+        ASSERT_EQ(count, 1u);
+        EXPECT_TRUE(reports[0].repaired && reports[0].records == 2);
+        VELMRepairFree(reports, count);
+        auto repaired = snapshot(line);
+        for (auto at = repaired.begin(); at != repaired.end();)
+            at = at->first.find(".damaged") == std::string::npos ? std::next(at) : repaired.erase(at);
+        EXPECT_EQ(repaired, snapshot(whole));
+        EXPECT_EQ(problems(line), 0u);
+    }
 }
 
 }  // namespace
