@@ -532,7 +532,8 @@ private:
 
     void requireMode(const char *mode) const {
         live();
-        if (mode_ != mode) throw Failure{kBadArgument, std::string(family_.name) + ": needs a handle opened for " + mode};
+        if (mode_ != mode)
+            throw Failure{kBadArgument, std::string(family_.name) + ": needs a handle opened for " + mode};
     }
 
     // A new "SideScan" file of sonar type 9, 10 or 15 takes the opener of that

@@ -92,63 +92,52 @@ def test_processed_depths_read_equal_the_c_reads(survey, capi):
     assert ds["depth"].dims == ("ping", "beam") and ds["time"].dtype == np.dtype("datetime64[ns]")
 
 
-class Head(ctypes.Structure):
-    _fields_ = [(n, D) for n in ("x", "y", "z", "roll", "pitch", "heading", "latency")] + [("word", U)]
+def _struct(name, doubles, words=()):
+    return type(name, (ctypes.Structure,), {"_fields_": [(n, D) for n in doubles] + [(n, U) for n in words]})
 
 
-class Heads(ctypes.Structure):
-    _fields_ = [("count", U), ("head", Head * 2)]
+Head = _struct("Head", ("x", "y", "z", "roll", "pitch", "heading", "latency"), ("word",))
+Heads = type("Heads", (ctypes.Structure,), {"_fields_": [("count", U), ("head", Head * 2)]})
+PingSd = _struct("PingSd", ("horizontal", "vertical", "heave", "tide", "draft", "roll", "pitch", "heading",
+                            "soundSpeed", "timing"))
+Measurement = _struct("Measurement", ("travelTime", "acrossAngle", "alongAngle", "slantRange", "reflectivity"),
+                      ("quality", "detection", "head"))
+Reductions = _struct("Reductions", ("tide", "heave", "draft", "refraction"))
 
 
-class PingSd(ctypes.Structure):
-    _fields_ = [(n, D) for n in ("horizontal", "vertical", "heave", "tide", "draft", "roll", "pitch", "heading",
-                                  "soundSpeed", "timing")]
-
-
-class Measurement(ctypes.Structure):
-    _fields_ = [(n, D) for n in ("travelTime", "acrossAngle", "alongAngle", "slantRange", "reflectivity")] + [
-        (n, U) for n in ("quality", "detection", "head")]
-
-
-class Reductions(ctypes.Structure):
-    _fields_ = [(n, D) for n in ("tide", "heave", "draft", "refraction")]
-
-
-def _snake(name):
-    return "".join("_" + c.lower() if c.isupper() else c for c in name)
-
-
-T0 = 767966413.0
+def _fill(struct, columns, i, prefix=""):
+    """A C struct from row i of the columns named after its fields in snake case."""
+    for f, _ in struct._fields_:
+        col = columns.get(prefix + "".join("_" + c.lower() if c.isupper() else c for c in f))
+        if col is not None:
+            setattr(struct, f, col[i])
+    return ctypes.byref(struct)
 
 
 def sonar_segments(family, seed):
-    """Two segments of plausible values per family, as write_segment takes them."""
+    """Two segments of plausible values, as write_segment takes them."""
     rng = np.random.default_rng(seed)
     out = []
     for s in range(2):
-        n = 4
-        t = T0 + s * 60 + np.arange(n) * 0.5
+        n, t = 4, 767966413.0 + s * 60 + np.arange(4) * 0.5
         counts = rng.integers(1, 6, n).astype(np.uint32)
-        total = int(counts.sum())
+        total, status = int(counts.sum()), rng.integers(0, 2**32, n, dtype=np.uint32)
         if family == "ProcessedDepths":
-            p = {f: rng.uniform(-0.5, 0.5, n) for f in ("latitude", "longitude", "heading", "heave", "pitch",
-                                                        "roll", "tide", "draft")}
-            p.update(time=t, beam_count=counts, first_beam=np.full(n, 3, np.uint32), sound_speed=np.full(n, 1500.25),
-                     status=rng.integers(0, 2**32, n, dtype=np.uint32), ping_number=np.arange(n, dtype=np.uint32) + 7,
-                     head_count=np.full(n, 2, np.uint32), head1_x=rng.uniform(-3, 3, n), head2_word=np.full(n, 5, np.uint32),
-                     sd_vertical=rng.uniform(0, 1, n), sd_timing=np.full(n, 0.001))
-            b = {f: rng.uniform(-30, 30, total) for f in ("across_track", "along_track", "travel_time",
-                                                         "reduction_tide", "reflectivity")}
+            p = {f: rng.uniform(-0.5, 0.5, n) for f in ("latitude", "heading", "roll", "tide", "head1_x", "sd_timing")}
+            p.update(time=t, beam_count=counts, first_beam=np.full(n, 3, np.uint32), status=status,
+                     ping_number=np.arange(n, dtype=np.uint32) + 7, head_count=np.full(n, 2, np.uint32),
+                     head2_word=np.full(n, 5, np.uint32))
+            b = {f: rng.uniform(-30, 30, total) for f in ("across_track", "travel_time", "reduction_tide")}
             b.update(time=np.repeat(t, counts) + 0.002, depth=rng.uniform(5, 80, total),
                      status=rng.integers(0, 8, total).astype(np.uint32) << 16,
-                     quality=rng.integers(0, 100, total).astype(np.uint32), head=np.ones(total, np.uint32))
+                     quality=rng.integers(0, 100, total).astype(np.uint32))
             out.append((f"raw_{s}.all", p, b, None))
         else:
-            p = {"time": t, "sample_count": counts, "first_sample": np.full(n, 2, np.uint32),
+            p = {"time": t, "sample_count": counts, "first_sample": np.full(n, 2, np.uint32), "status": status,
                  "sample_interval": np.full(n, 1e-4), "gain": rng.integers(-20, 20, n),
-                 "attenuation1": rng.integers(0, 9, n), "attenuation2": rng.integers(0, 9, n),
-                 "status": rng.integers(0, 2**32, n, dtype=np.uint32)}
-            b = {"amplitude": rng.integers(-2**31, 2**31, total), "detection": rng.integers(0, 2**32, total, dtype=np.uint32)}
+                 "attenuation1": rng.integers(0, 9, n), "attenuation2": rng.integers(0, 9, n)}
+            b = {"amplitude": rng.integers(-2**31, 2**31, total),
+                 "detection": rng.integers(0, 2**32, total, dtype=np.uint32)}
             traces = {"profile": np.array([0, 0, 3]), "bottom_sample": np.array([5, 6, 7], np.uint32),
                       "depth": np.array([12.5, 13.0, 40.25])}
             out.append((f"raw_{s}.xtf", p, b, traces))
@@ -172,32 +161,22 @@ def c_write_sonar(capi, line, family, sonar_type, segments):
             count = int(p["sample_count" if pre == "SideScan" else "beam_count"][i])
             if pre == "SideScan":
                 capi.call("SideScanBgnSeqWriteProfile", h, U(count), U(int(p["first_sample"][i])), D(p["time"][i]),
-                          D(p["sample_interval"][i]), *(I(int(p[c][i])) for c in ("gain", "attenuation1", "attenuation2")),
+                          D(p["sample_interval"][i]), *(I(int(p[c][i])) for c in ("gain", "attenuation1",
+                                                                                   "attenuation2")),
                           U(int(p["status"][i])))
                 for j in range(k, k + count):
                     capi.call("SideScanSeqWrite", h, I(int(b["amplitude"][j])), U(int(b["detection"][j])))
                 capi.call("SideScanEndSeqWriteProfile", h)
-                if sonar_type in (9, 10):
-                    for r in np.flatnonzero(traces["profile"] == i):
-                        capi.call("SideScanSeqWriteTrace", h, U(int(traces["bottom_sample"][r])), D(traces["depth"][r]))
+                for r in np.flatnonzero(traces["profile"] == i) if sonar_type in (9, 10) else ():
+                    capi.call("SideScanSeqWriteTrace", h, U(int(traces["bottom_sample"][r])), D(traces["depth"][r]))
             else:
-                ping, heads, sd = Ping(), Heads(), PingSd()
-                for f, _ in Ping._fields_:
-                    setattr(ping, f, p.get(_snake(f), [0] * (i + 1))[i])
-                for f, _ in PingSd._fields_:
-                    setattr(sd, f, p.get("sd_" + _snake(f), [0] * (i + 1))[i])
-                heads.count = int(p["head_count"][i])
+                heads = Heads(count=int(p["head_count"][i]))
                 heads.head[0].x, heads.head[1].word = p["head1_x"][i], int(p["head2_word"][i])
-                capi.call("ProcessedDepthsBgnSeqWriteProfile", h, ctypes.byref(ping), ctypes.byref(heads),
-                          ctypes.byref(sd))
+                capi.call("ProcessedDepthsBgnSeqWriteProfile", h, _fill(Ping(), p, i), ctypes.byref(heads),
+                          _fill(PingSd(), p, i, "sd_"))
                 for j in range(k, k + count):
-                    s, m, r = Sounding(), Measurement(), Reductions()
-                    for st, prefix in ((s, ""), (m, ""), (r, "reduction_")):
-                        for f, _ in st._fields_:
-                            col = b.get(prefix + _snake(f))
-                            if col is not None:
-                                setattr(st, f, col[j])
-                    capi.call("ProcessedDepthsSeqWrite", h, ctypes.byref(s), ctypes.byref(m), ctypes.byref(r))
+                    capi.call("ProcessedDepthsSeqWrite", h, _fill(Sounding(), b, j), _fill(Measurement(), b, j),
+                              _fill(Reductions(), b, j, "reduction_"))
                 capi.call("ProcessedDepthsEndSeqWriteProfile", h)
             k += count
         capi.call(f"{pre}EndSeqWriteLineSegment", h, U(3))
@@ -228,14 +207,12 @@ def test_sonar_lines_written_from_python_are_the_c_api_bytes(tmp_path, capi, fam
 
     line = velmio.open_line(tmp_path / "py")
     got = line.read(family)
-    count, exact = ("beam_count", ("status", "first_beam", "ping_number", "head2_word")) if family == "ProcessedDepths" \
-        else ("sample_count", ("status", "first_sample", "gain", "attenuation1"))
-    for c in (count,) + exact:
-        np.testing.assert_array_equal(got["profiles"][c], np.concatenate([s[1][c] for s in segments]))
-    np.testing.assert_allclose(got["profiles"]["time"], np.concatenate([s[1]["time"] for s in segments]), atol=1e-6)
-    beams = ("status", "quality") if family == "ProcessedDepths" else ("amplitude", "detection")
-    for c in beams:
-        np.testing.assert_array_equal(got["beams"][c], np.concatenate([s[2][c] for s in segments]))
+    exact = {"profiles": ("status", "first_beam", "beam_count", "ping_number", "head2_word"),
+             "beams": ("status", "quality")} if family == "ProcessedDepths" else {
+        "profiles": ("status", "first_sample", "sample_count", "gain"), "beams": ("amplitude", "detection")}
+    for k, part in ((1, "profiles"), (2, "beams")):
+        for c in exact[part]:
+            np.testing.assert_array_equal(got[part][c], np.concatenate([s[k][c] for s in segments]))
     if sonar_type in (9, 10):
         t = line.traces(family)
         np.testing.assert_array_equal(t["profile"], [0, 0, 3, 4, 4, 7])
