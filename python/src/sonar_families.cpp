@@ -1,5 +1,6 @@
 // Side scan and processed depths as numpy columns: ragged reads of whole
-// ranges of pings in one bulk call each. Processed depths come back as one
+// ranges of pings in one bulk call each, writes of one bulk call per ping
+// from the same columns, and status edits. Processed depths come back as one
 // structured array per read (a record per ping or beam, its sections side
 // by side), every column a view of it.
 #include "binding.hpp"

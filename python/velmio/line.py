@@ -237,6 +237,8 @@ class SensorEditor:
 
     def set_status(self, where, status):
         """Record statuses (time series and navigation)."""
+        if self.family in PROFILE_FAMILIES:
+            raise _error(-1, f"{self.family} holds profiles, not records")
         self._h.set_record_status(where, status)
 
     def set_profile_status(self, where, status):
