@@ -38,6 +38,13 @@ std::wstring wideText(const py::handle &text);
 py::array_t<double, py::array::c_style> doubles(const py::handle &values, const char *name);
 // A 1-D array of 32-bit status words: integers in 0..2^32-1 only.
 py::array_t<std::uint32_t, py::array::c_style> words(const py::handle &values, const char *name);
+// A 1-D array of 32-bit signed integers (amplitudes, gains).
+py::array_t<std::int32_t, py::array::c_style> ints(const py::handle &values, const char *name);
+// A scalar repeated n times; arrays pass as they are.
+py::object broadcast(const py::handle &value, py::ssize_t n);
+// Indices from 0 below limit (negative ones count from the end), or a
+// boolean mask of limit entries.
+py::array_t<std::int64_t, py::array::c_style> indexArray(const py::handle &indices, std::int64_t limit);
 // Refuses arrays of another length than count.
 void requireLength(py::ssize_t length, py::ssize_t count, const char *name);
 

@@ -653,13 +653,6 @@ private:
         return data[name];
     }
 
-    static py::object broadcast(const py::handle &value, py::ssize_t n) {
-        py::module_ np = py::module_::import("numpy");
-        py::object array = np.attr("asarray")(value);
-        if (array.attr("ndim").cast<int>() == 0) return np.attr("full")(n, array);
-        return array;
-    }
-
     unsigned clampRange(unsigned first, const py::object &countArg, unsigned total) const {
         if (first > total) throw Failure{kBadArgument, "first lies beyond the last record"};
         unsigned n = total - first;
@@ -705,31 +698,6 @@ private:
         const std::size_t p = static_cast<std::size_t>(it - beamOffsets_.begin()) - 1;
         profile = static_cast<unsigned>(p + 1);
         beam = firstBeams_[p] + static_cast<unsigned>(index - beamOffsets_[p]);
-    }
-
-    // Indices from 0: integers below limit, negative ones counting from the end.
-    static py::array_t<std::int64_t, py::array::c_style> indexArray(const py::handle &indices, std::int64_t limit) {
-        py::module_ np = py::module_::import("numpy");
-        py::array array = np.attr("atleast_1d")(np.attr("asarray")(indices));
-        const char kind = array.dtype().kind();
-        if (kind == 'b') {
-            requireLength(array.size(), limit, "mask");
-            array = np.attr("flatnonzero")(array);
-        } else if (kind != 'i' && kind != 'u') {
-            throw Failure{kBadArgument, "indices: expected integers or a boolean mask"};
-        }
-        py::array_t<std::int64_t, py::array::c_style> idx =
-            py::array_t<std::int64_t, py::array::c_style | py::array::forcecast>::ensure(array).reshape(
-            std::vector<py::ssize_t>{-1});
-        py::array_t<std::int64_t, py::array::c_style> copy(idx.size());
-        for (py::ssize_t i = 0; i < idx.size(); ++i) {
-            std::int64_t v = idx.data()[i];
-            if (v < 0) v += limit;
-            if (v < 0 || v >= limit)
-                throw Failure{kBadArgument, "index " + std::to_string(idx.data()[i]) + " out of range"};
-            copy.mutable_data()[i] = v;
-        }
-        return copy;
     }
 
     std::pair<py::array_t<std::int64_t, py::array::c_style>, py::array_t<std::uint32_t, py::array::c_style>>

@@ -1,5 +1,6 @@
 // Side scan and processed depths as numpy columns: ragged reads of whole
-// ranges of pings in one bulk call each. Processed depths come back as one
+// ranges of pings in one bulk call each, writes of one bulk call per ping
+// from the same columns, and status edits. Processed depths come back as one
 // structured array per read (a record per ping or beam, its sections side
 // by side), every column a view of it.
 #include "binding.hpp"
@@ -7,8 +8,11 @@
 #include <velmio/processed_depths.h>
 #include <velmio/side_scan.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -24,15 +28,17 @@ struct SonarFamily {
     // A query tries them in turn: the "SideScan" file of every sonar type
     // opens through the opener of its own type.
     std::vector<Opener> openers;
+    unsigned defaultType;  // sonar or tool type of a new file
+    int notEncodable;      // the family's code for a header it cannot store
 };
 
 const std::vector<SonarFamily> &sonarFamilies() {
     static const std::vector<SonarFamily> families = {
-        {"ProcessedDepths", false, {ProcessedDepthsOpenDir}},
-        {"SideScan", true, {SideScanOpenDir, SideScanEM1000OpenDir, SideScanEM100OpenDir}},
-        {"SSSSideScan", true, {SSSSideScanOpenDir}},
-        {"SSSProcessedSideScan", true, {SSSProcessedSideScanOpenDir}},
-        {"NewSSSProcessedSideScan", true, {NewSSSProcessedSideScanOpenDir}},
+        {"ProcessedDepths", false, {ProcessedDepthsOpenDir}, 0, 5000322},
+        {"SideScan", true, {SideScanOpenDir, SideScanEM1000OpenDir, SideScanEM100OpenDir}, 20, 5000922},
+        {"SSSSideScan", true, {SSSSideScanOpenDir}, 13, 5000922},
+        {"SSSProcessedSideScan", true, {SSSProcessedSideScanOpenDir}, 19, 5000922},
+        {"NewSSSProcessedSideScan", true, {NewSSSProcessedSideScanOpenDir}, 19, 5000922},
     };
     return families;
 }
@@ -52,6 +58,7 @@ struct Field {
 template <class T>
 constexpr const char *formatOf() {
     if constexpr (std::is_same_v<T, double>) return "f8";
+    else if constexpr (std::is_same_v<T, int>) return "i4";
     else return "u4";
 }
 #define VELMIO_FIELD(S, member, name) Field{name, offsetof(S, member), formatOf<decltype(S::member)>()}
@@ -79,11 +86,16 @@ struct BeamRecord {
     ProcessedDepthsMeasurement measurement;
     ProcessedDepthsReductions reductions;
 };
+// A side scan header as the write call takes it.
+struct SideScanProfile {
+    unsigned samples, first;
+    double time, interval;
+    int gain, attenuation1, attenuation2;
+    unsigned status;
+};
 
-// Made once and never freed: a Python object must not outlive the
-// interpreter in a static destructor.
-const py::dtype &pingDtype() {
-    static const py::dtype *dtype = new py::dtype([] {
+const std::vector<Field> &pingFields() {
+    static const std::vector<Field> fields = [] {
         using P = PingRecord;
         std::vector<Field> f = {
             VELMIO_FIELD(P, ping.status, "status"),       VELMIO_FIELD(P, ping.beamCount, "beam_count"),
@@ -106,47 +118,100 @@ const py::dtype &pingDtype() {
             VELMIO_FIELD(H, roll, "roll"), VELMIO_FIELD(H, pitch, "pitch"), VELMIO_FIELD(H, heading, "heading"),
             VELMIO_FIELD(H, latency, "latency"), VELMIO_FIELD(H, word, "word"),
         };
-        static std::vector<std::string> names;  // the dtype keeps copies; these outlive its making
+        static std::vector<std::string> names;  // the field table points into them for good
         for (int k = 0; k < 2; ++k)
-            for (const Field &h : head) {
-                names.push_back("head" + std::to_string(k + 1) + "_" + h.name);
-                f.push_back(Field{nullptr, offsetof(P, heads) + offsetof(ProcessedDepthsHeads, head) + k * sizeof(H) +
-                                               h.offset,
-                                  h.format});
-            }
+            for (const Field &h : head) names.push_back("head" + std::to_string(k + 1) + "_" + h.name);
         std::size_t n = 0;
-        for (Field &field : f)
-            if (!field.name) field.name = names[n++].c_str();
-        return structDtype(f, sizeof(P));
-    }());
+        for (int k = 0; k < 2; ++k)
+            for (const Field &h : head)
+                f.push_back(Field{names[n++].c_str(),
+                                  offsetof(P, heads) + offsetof(ProcessedDepthsHeads, head) + k * sizeof(H) + h.offset,
+                                  h.format});
+        return f;
+    }();
+    return fields;
+}
+
+const std::vector<Field> &beamFields() {
+    using B = BeamRecord;
+    static const std::vector<Field> fields = {
+        VELMIO_FIELD(B, sounding.status, "status"), VELMIO_FIELD(B, sounding.time, "time"),
+        VELMIO_FIELD(B, sounding.depth, "depth"), VELMIO_FIELD(B, sounding.acrossTrack, "across_track"),
+        VELMIO_FIELD(B, sounding.alongTrack, "along_track"), VELMIO_FIELD(B, sounding.latitude, "latitude"),
+        VELMIO_FIELD(B, sounding.longitude, "longitude"),
+        VELMIO_FIELD(B, sounding.horizontalUncertainty, "horizontal_uncertainty"),
+        VELMIO_FIELD(B, sounding.verticalUncertainty, "vertical_uncertainty"),
+        VELMIO_FIELD(B, measurement.travelTime, "travel_time"),
+        VELMIO_FIELD(B, measurement.acrossAngle, "across_angle"),
+        VELMIO_FIELD(B, measurement.alongAngle, "along_angle"),
+        VELMIO_FIELD(B, measurement.slantRange, "slant_range"),
+        VELMIO_FIELD(B, measurement.reflectivity, "reflectivity"),
+        VELMIO_FIELD(B, measurement.quality, "quality"), VELMIO_FIELD(B, measurement.detection, "detection"),
+        VELMIO_FIELD(B, measurement.head, "head"), VELMIO_FIELD(B, reductions.tide, "reduction_tide"),
+        VELMIO_FIELD(B, reductions.heave, "reduction_heave"),
+        VELMIO_FIELD(B, reductions.draft, "reduction_draft"),
+        VELMIO_FIELD(B, reductions.refraction, "reduction_refraction"),
+    };
+    return fields;
+}
+
+const std::vector<Field> &sideScanFields() {
+    using S = SideScanProfile;
+    static const std::vector<Field> fields = {
+        VELMIO_FIELD(S, samples, "sample_count"), VELMIO_FIELD(S, first, "first_sample"),
+        VELMIO_FIELD(S, time, "time"),            VELMIO_FIELD(S, interval, "sample_interval"),
+        VELMIO_FIELD(S, gain, "gain"),            VELMIO_FIELD(S, attenuation1, "attenuation1"),
+        VELMIO_FIELD(S, attenuation2, "attenuation2"), VELMIO_FIELD(S, status, "status"),
+    };
+    return fields;
+}
+
+// Made once and never freed: a Python object must not outlive the
+// interpreter in a static destructor.
+const py::dtype &pingDtype() {
+    static const py::dtype *dtype = new py::dtype(structDtype(pingFields(), sizeof(PingRecord)));
     return *dtype;
 }
 
 const py::dtype &beamDtype() {
-    static const py::dtype *dtype = new py::dtype([] {
-        using B = BeamRecord;
-        return structDtype(
-            {
-                VELMIO_FIELD(B, sounding.status, "status"), VELMIO_FIELD(B, sounding.time, "time"),
-                VELMIO_FIELD(B, sounding.depth, "depth"), VELMIO_FIELD(B, sounding.acrossTrack, "across_track"),
-                VELMIO_FIELD(B, sounding.alongTrack, "along_track"), VELMIO_FIELD(B, sounding.latitude, "latitude"),
-                VELMIO_FIELD(B, sounding.longitude, "longitude"),
-                VELMIO_FIELD(B, sounding.horizontalUncertainty, "horizontal_uncertainty"),
-                VELMIO_FIELD(B, sounding.verticalUncertainty, "vertical_uncertainty"),
-                VELMIO_FIELD(B, measurement.travelTime, "travel_time"),
-                VELMIO_FIELD(B, measurement.acrossAngle, "across_angle"),
-                VELMIO_FIELD(B, measurement.alongAngle, "along_angle"),
-                VELMIO_FIELD(B, measurement.slantRange, "slant_range"),
-                VELMIO_FIELD(B, measurement.reflectivity, "reflectivity"),
-                VELMIO_FIELD(B, measurement.quality, "quality"), VELMIO_FIELD(B, measurement.detection, "detection"),
-                VELMIO_FIELD(B, measurement.head, "head"), VELMIO_FIELD(B, reductions.tide, "reduction_tide"),
-                VELMIO_FIELD(B, reductions.heave, "reduction_heave"),
-                VELMIO_FIELD(B, reductions.draft, "reduction_draft"),
-                VELMIO_FIELD(B, reductions.refraction, "reduction_refraction"),
-            },
-            sizeof(B));
-    }());
+    static const py::dtype *dtype = new py::dtype(structDtype(beamFields(), sizeof(BeamRecord)));
     return *dtype;
+}
+
+// Columns that reads add and a write passes over.
+bool derivedColumn(const std::string &name) {
+    return name == "datetime" || name == "beam_offsets" || name == "sample_offsets";
+}
+
+// n records of R from the columns named as its fields: a missing column is
+// zeros unless required, and a name of no field is refused (a misspelt
+// column would otherwise be written as zeros).
+template <class R>
+std::vector<R> recordsFrom(const std::vector<Field> &fields, const py::dict &columns, std::size_t n,
+                           std::initializer_list<const char *> required, const char *what) {
+    for (const auto &item : columns) {
+        const std::string name = py::str(item.first);
+        bool known = derivedColumn(name);
+        for (const Field &f : fields) known = known || name == f.name;
+        if (!known) throw Failure{kBadArgument, std::string(what) + ": no column " + name};
+    }
+    for (const char *name : required)
+        if (!columns.contains(name)) throw Failure{kBadArgument, std::string(name) + ": missing"};
+    std::vector<R> out(n);
+    auto *base = reinterpret_cast<unsigned char *>(out.data());
+    const auto scatter = [&](const Field &f, const auto &array) {
+        requireLength(array.size(), static_cast<py::ssize_t>(n), f.name);
+        for (std::size_t i = 0; i < n; ++i)
+            std::memcpy(base + i * sizeof(R) + f.offset, array.data() + i, sizeof(*array.data()));
+    };
+    for (const Field &f : fields) {
+        if (!columns.contains(f.name)) continue;
+        const py::object column = columns[f.name];
+        if (f.format[0] == 'f') scatter(f, doubles(column, f.name));
+        else if (f.format[0] == 'i') scatter(f, ints(column, f.name));
+        else scatter(f, words(column, f.name));
+    }
+    return out;
 }
 
 // Every field of a structured array as its own column (views, no copy).
@@ -163,15 +228,19 @@ struct HandedOut {
 
 class SonarSensor {
 public:
-    SonarSensor(const py::object &line, const std::string &family, const std::string &mode)
-        : family_(sonarFamily(family)) {
-        if (mode != "query") throw Failure{kBadArgument, std::string(family_.name) + " is only read from Python"};
+    SonarSensor(const py::object &line, const std::string &family, const std::string &mode, const py::object &type)
+        : family_(sonarFamily(family)), mode_(mode) {
+        if (mode != "query" && mode != "update" && mode != "create")
+            throw Failure{kBadArgument, "mode is \"query\", \"update\" or \"create\""};
+        const unsigned sonarType = type.is_none() ? family_.defaultType : type.cast<unsigned>();
+        std::vector<Opener> openers = family_.openers;
+        if (mode == "create") openers = {createOpener(sonarType)};
         const std::wstring dir = widePath(line);
         const std::wstring token(mode.begin(), mode.end());
         int first = 0;
         {
             py::gil_scoped_release unlocked;
-            for (Opener open : family_.openers) {
+            for (Opener open : openers) {
                 int error = 0;
                 h_ = open(dir.c_str(), token.c_str(), &error);
                 if (h_) break;
@@ -179,6 +248,14 @@ public:
             }
         }
         if (!h_) throw Failure{first ? first : kBadArgument, std::string(family_.name) + ": open failed"};
+        if (mode == "create") {
+            const int rc = family_.sideScan ? SideScanBgnSeqWriteSummary(h_, sonarType)
+                                            : ProcessedDepthsBgnSeqWriteSummary(h_, sonarType);
+            if (rc) {
+                closeHandle();
+                throw Failure{rc, std::string(family_.name) + ": begin writing"};
+            }
+        }
     }
     ~SonarSensor() {
         if (h_) {
@@ -188,7 +265,16 @@ public:
     }
 
     const char *family() const { return family_.name; }
+    const std::string &mode() const { return mode_; }
     bool closed() const { return h_ == nullptr; }
+
+    // Create mode: the summary status, then close (summary, segments, index).
+    void finish(unsigned status) {
+        check(family_.sideScan ? SideScanEndSeqWriteSummary(live(), status)
+                               : ProcessedDepthsEndSeqWriteSummary(live(), status),
+              "end summary");
+        close();
+    }
 
     void close() {
         if (!h_) return;
@@ -336,10 +422,235 @@ public:
         return d;
     }
 
+    // One segment: per-ping headers and flat beams (samples), each ping
+    // written with one bulk call. Side scan traces name their ping by its
+    // index in this segment and follow it in the file.
+    void writeSegment(const py::handle &name, const py::dict &profiles, const py::dict &beams,
+                      const py::object &traces, unsigned segmentStatus) {
+        requireMode("create");
+        const std::wstring source = wideText(name);
+        if (!profiles.contains("time")) throw Failure{kBadArgument, "time: missing"};
+        const auto n = static_cast<std::size_t>(doubles(profiles["time"], "time").size());
+        if (family_.sideScan) writeSideScan(source, profiles, beams, traces, n, segmentStatus);
+        else writeProcessedDepths(source, profiles, beams, n, segmentStatus);
+    }
+
+    // The trace records in file order, their pings counted from 0 over the line.
+    py::dict readTraces() {
+        unsigned n = 0;
+        check(SideScanTraceCount(live(), &n), "trace count");
+        py::array_t<std::int64_t> profiles(n);
+        py::array_t<std::uint32_t> bottoms(n);
+        py::array_t<double> depths(n);
+        {
+            std::int64_t *pp = profiles.mutable_data();
+            auto *bp = reinterpret_cast<unsigned *>(bottoms.mutable_data());
+            double *dp = depths.mutable_data();
+            py::gil_scoped_release unlocked;
+            for (unsigned i = 0; i < n; ++i) {
+                unsigned profile = 0;
+                check(SideScanReadTrace(h_, i + 1, &profile, bp + i, dp + i), "read trace");
+                pp[i] = static_cast<std::int64_t>(profile) - 1;
+            }
+        }
+        py::dict d;
+        d["profile"] = profiles, d["bottom_sample"] = bottoms, d["depth"] = depths;
+        return d;
+    }
+
+    // Update mode: side scan ping statuses (pings from 0), on disk at once.
+    void setProfileStatus(const py::handle &indices, const py::handle &statuses) {
+        requireMode("update");
+        if (!family_.sideScan) throw Failure{kBadArgument, "processed depths statuses are edited per beam"};
+        auto idx = indexArray(indices, count());
+        auto s = words(broadcast(statuses, idx.size()), "status");
+        requireLength(s.size(), idx.size(), "status");
+        const std::int64_t *ip = idx.data();
+        const unsigned *sp = reinterpret_cast<const unsigned *>(s.data());
+        py::gil_scoped_release unlocked;
+        for (py::ssize_t i = 0; i < idx.size(); ++i)
+            check(SideScanUpdateProfileStatus(h_, static_cast<unsigned>(ip[i] + 1), sp[i]), "update status");
+    }
+
+    // Update mode: processed depths beam statuses by flat beam index (as
+    // readBeams numbers them), on disk at once.
+    void updateBeams(const std::string &what, const py::handle &indices, const py::dict &values) {
+        requireMode("update");
+        if (family_.sideScan || what != "status")
+            throw Failure{kBadArgument, std::string(family_.name) + " has no beam " + what + " edit"};
+        if (!values.contains("status") || values["status"].is_none()) throw Failure{kBadArgument, "status: missing"};
+        const unsigned n = count();
+        std::vector<ProcessedDepthsPing> pings(n);
+        {
+            py::gil_scoped_release unlocked;
+            if (n) check(ProcessedDepthsReadProfiles(h_, 1, n, pings.data(), nullptr, nullptr), "read");
+        }
+        std::vector<std::int64_t> offsets(n + 1, 0);
+        for (unsigned i = 0; i < n; ++i) offsets[i + 1] = offsets[i] + pings[i].beamCount;
+        auto idx = indexArray(indices, offsets.back());
+        auto s = words(broadcast(values["status"], idx.size()), "status");
+        requireLength(s.size(), idx.size(), "status");
+        const std::int64_t *ip = idx.data();
+        const unsigned *sp = reinterpret_cast<const unsigned *>(s.data());
+        py::gil_scoped_release unlocked;
+        for (py::ssize_t i = 0; i < idx.size(); ++i) {
+            const auto p = static_cast<std::size_t>(std::upper_bound(offsets.begin(), offsets.end(), ip[i]) -
+                                                    offsets.begin() - 1);
+            const auto beam = pings[p].firstBeam + static_cast<unsigned>(ip[i] - offsets[p]);
+            check(ProcessedDepthsUpdateStatus(h_, static_cast<unsigned>(p + 1), beam, sp[i]), "update status");
+        }
+    }
+
+    void setSummaryStatus(unsigned status) {
+        check(family_.sideScan ? SideScanSetSummaryStatus(live(), status)
+                               : ProcessedDepthsSetSummaryStatus(live(), status),
+              "set summary status");
+    }
+
+    // Segments from 0.
+    void setSegmentStatus(int segment, unsigned status) {
+        check(family_.sideScan ? SideScanSetLineSegmentStatus(live(), segment + 1, status)
+                               : ProcessedDepthsSetLineSegmentStatus(live(), segment + 1, status),
+              "set segment status");
+    }
+
+    // Update mode: writes the summary and segment statuses held in memory.
+    void save() {
+        TOVO_Sensor *h = live();
+        int rc = 0;
+        {
+            py::gil_scoped_release unlocked;
+            rc = family_.sideScan ? SideScanSaveStatusToDisk(h) : ProcessedDepthsSaveStatusToDisk(h);
+        }
+        check(rc, "save");
+    }
+
 private:
     TOVO_Sensor *live() const {
         if (!h_) throw Failure{kBadArgument, std::string(family_.name) + ": the handle is closed"};
         return h_;
+    }
+
+    void requireMode(const char *mode) const {
+        live();
+        if (mode_ != mode)
+            throw Failure{kBadArgument, std::string(family_.name) + ": needs a handle opened for " + mode};
+    }
+
+    // A new "SideScan" file of sonar type 9, 10 or 15 takes the opener of that
+    // type: the trace file and the type in the validation records follow it.
+    Opener createOpener(unsigned sonarType) const {
+        if (family_.openers.front() != SideScanOpenDir) return family_.openers.front();
+        switch (sonarType) {
+        case 9: return SideScanEM100OpenDir;
+        case 10: return SideScanEM1000OpenDir;
+        case 15: return SideScanELACOpenDir;
+        default: return SideScanOpenDir;
+        }
+    }
+
+    // Times before 1980 have no stored form; the library would wrap them.
+    template <class R, class Time>
+    void requireTimes(const std::vector<R> &rows, Time time) const {
+        for (const R &row : rows)
+            if (!(time(row) >= 0.0) || !std::isfinite(time(row)))
+                throw Failure{family_.notEncodable,
+                              "time " + std::to_string(time(row)) + " is before 1980 or not a number"};
+    }
+
+    template <class R, class Count>
+    static std::size_t totalOf(const std::vector<R> &rows, Count count) {
+        std::uint64_t total = 0;
+        for (const R &row : rows) total += count(row);
+        if (total > 0xFFFFFFFFull) throw Failure{kBadArgument, "more beams than one segment can hold"};
+        return static_cast<std::size_t>(total);
+    }
+
+    void writeProcessedDepths(const std::wstring &source, const py::dict &profiles, const py::dict &beams,
+                              std::size_t n, unsigned segmentStatus) {
+        const auto pings = recordsFrom<PingRecord>(pingFields(), profiles, n, {"time", "beam_count", "first_beam"},
+                                                   "profiles");
+        const std::size_t total = totalOf(pings, [](const PingRecord &p) { return p.ping.beamCount; });
+        const auto records = recordsFrom<BeamRecord>(beamFields(), beams, total, {"time", "depth"}, "beams");
+        requireTimes(pings, [](const PingRecord &p) { return p.ping.time; });
+        requireTimes(records, [](const BeamRecord &b) { return b.sounding.time; });
+        std::vector<ProcessedDepthsSounding> s(total);
+        std::vector<ProcessedDepthsMeasurement> m(total);
+        std::vector<ProcessedDepthsReductions> r(total);
+        for (std::size_t i = 0; i < total; ++i)
+            s[i] = records[i].sounding, m[i] = records[i].measurement, r[i] = records[i].reductions;
+        py::gil_scoped_release unlocked;
+        check(ProcessedDepthsBgnSeqWriteLineSegment(h_, source.c_str()), "begin segment");
+        std::size_t k = 0;
+        for (const PingRecord &p : pings) {
+            check(ProcessedDepthsBgnSeqWriteProfile(h_, &p.ping, &p.heads, &p.sd), "profile");
+            check(ProcessedDepthsSeqWriteBeams(h_, p.ping.beamCount, s.data() + k, m.data() + k, r.data() + k),
+                  "beams");
+            check(ProcessedDepthsEndSeqWriteProfile(h_), "end profile");
+            k += p.ping.beamCount;
+        }
+        check(ProcessedDepthsEndSeqWriteLineSegment(h_, segmentStatus), "end segment");
+    }
+
+    void writeSideScan(const std::wstring &source, const py::dict &profiles, const py::dict &samples,
+                       const py::object &traces, std::size_t n, unsigned segmentStatus) {
+        const auto pings =
+            recordsFrom<SideScanProfile>(sideScanFields(), profiles, n, {"time", "sample_count", "first_sample"},
+                                         "profiles");
+        const std::size_t total = totalOf(pings, [](const SideScanProfile &p) { return p.samples; });
+        requireTimes(pings, [](const SideScanProfile &p) { return p.time; });
+        for (const auto &item : samples) {
+            const std::string column = py::str(item.first);
+            if (!derivedColumn(column) && column != "amplitude" && column != "detection")
+                throw Failure{kBadArgument, "samples: no column " + column};
+        }
+        if (!samples.contains("amplitude")) throw Failure{kBadArgument, "amplitude: missing"};
+        auto amplitudes = ints(samples["amplitude"], "amplitude");
+        requireLength(amplitudes.size(), static_cast<py::ssize_t>(total), "amplitude");
+        py::array_t<std::uint32_t, py::array::c_style> detections;
+        const bool detected = samples.contains("detection");
+        if (detected) {
+            detections = words(samples["detection"], "detection");
+            requireLength(detections.size(), static_cast<py::ssize_t>(total), "detection");
+        }
+        py::array_t<std::int64_t, py::array::c_style> traceProfiles;
+        py::array_t<std::uint32_t, py::array::c_style> bottoms;
+        py::array_t<double, py::array::c_style> depths;
+        if (!traces.is_none()) {
+            const py::dict t = traces;
+            for (const char *c : {"profile", "bottom_sample", "depth"})
+                if (!t.contains(c)) throw Failure{kBadArgument, std::string(c) + ": missing"};
+            traceProfiles = indexArray(t["profile"], static_cast<std::int64_t>(n));
+            bottoms = words(t["bottom_sample"], "bottom_sample");
+            depths = doubles(t["depth"], "depth");
+            requireLength(bottoms.size(), traceProfiles.size(), "bottom_sample");
+            requireLength(depths.size(), traceProfiles.size(), "depth");
+            for (py::ssize_t i = 1; i < traceProfiles.size(); ++i)
+                if (traceProfiles.data()[i] < traceProfiles.data()[i - 1])
+                    throw Failure{kBadArgument, "trace profiles: not in ping order"};
+        }
+        const int *ap = amplitudes.data();
+        const unsigned *dp = detected ? reinterpret_cast<const unsigned *>(detections.data()) : nullptr;
+        const py::ssize_t traceCount = traces.is_none() ? 0 : traceProfiles.size();
+        const std::int64_t *tp = traceCount ? traceProfiles.data() : nullptr;
+        const unsigned *bp = traceCount ? reinterpret_cast<const unsigned *>(bottoms.data()) : nullptr;
+        const double *zp = traceCount ? depths.data() : nullptr;
+        py::gil_scoped_release unlocked;
+        check(SideScanBgnSeqWriteLineSegment(h_, source.c_str()), "begin segment");
+        std::size_t k = 0;
+        py::ssize_t t = 0;
+        for (std::size_t i = 0; i < n; ++i) {
+            const SideScanProfile &p = pings[i];
+            check(SideScanBgnSeqWriteProfile(h_, p.samples, p.first, p.time, p.interval, p.gain, p.attenuation1,
+                                             p.attenuation2, p.status),
+                  "profile");
+            check(SideScanSeqWriteSamples(h_, p.samples, ap + k, dp ? dp + k : nullptr), "samples");
+            check(SideScanEndSeqWriteProfile(h_), "end profile");
+            for (; t < traceCount && tp[t] == static_cast<std::int64_t>(i); ++t)
+                check(SideScanSeqWriteTrace(h_, bp[t], zp[t]), "trace");
+            k += p.samples;
+        }
+        check(SideScanEndSeqWriteLineSegment(h_, segmentStatus), "end segment");
     }
 
     int closeHandle() {
@@ -376,6 +687,7 @@ private:
     }
 
     const SonarFamily &family_;
+    std::string mode_;
     TOVO_Sensor *h_ = nullptr;
 };
 
@@ -386,11 +698,21 @@ void registerSonarFamilies(py::module_ &m) {
     for (const SonarFamily &f : sonarFamilies()) names.append(f.name);
     m.attr("SONAR_FAMILIES") = names;
     py::class_<SonarSensor>(m, "SonarSensor")
-        .def(py::init<const py::object &, const std::string &, const std::string &>(), py::arg("line"),
-             py::arg("family"), py::arg("mode") = "query")
+        .def(py::init<const py::object &, const std::string &, const std::string &, const py::object &>(),
+             py::arg("line"), py::arg("family"), py::arg("mode") = "query", py::arg("type") = py::none())
         .def_property_readonly("family", &SonarSensor::family)
+        .def_property_readonly("mode", &SonarSensor::mode)
         .def_property_readonly("closed", &SonarSensor::closed)
         .def("close", &SonarSensor::close)
+        .def("finish", &SonarSensor::finish, py::arg("status") = 0)
+        .def("write_segment", &SonarSensor::writeSegment, py::arg("name"), py::arg("profiles"), py::arg("beams"),
+             py::arg("traces") = py::none(), py::arg("status") = 0)
+        .def("read_traces", &SonarSensor::readTraces)
+        .def("set_profile_status", &SonarSensor::setProfileStatus, py::arg("indices"), py::arg("status"))
+        .def("update_beams", &SonarSensor::updateBeams, py::arg("what"), py::arg("indices"), py::arg("values"))
+        .def("set_summary_status", &SonarSensor::setSummaryStatus, py::arg("status"))
+        .def("set_segment_status", &SonarSensor::setSegmentStatus, py::arg("segment"), py::arg("status"))
+        .def("save", &SonarSensor::save)
         .def("summary", &SonarSensor::summary)
         .def("count", &SonarSensor::count)
         .def("segments", &SonarSensor::segments)

@@ -8,8 +8,6 @@ import numpy as np
 from . import _velmio
 from .errors import _error
 
-# Side scan and processed depths are read (ragged and as xarray) but not
-# written or edited from Python.
 SONAR_FAMILIES = tuple(_velmio.SONAR_FAMILIES)
 FAMILIES = tuple(_velmio.FAMILIES) + SONAR_FAMILIES
 PROFILE_FAMILIES = tuple(_velmio.PROFILE_FAMILIES) + SONAR_FAMILIES
@@ -34,11 +32,9 @@ def value_unit(family):
     return "rad" if family in _RADIAN_FAMILIES else "m"
 
 
-def _check_family(family, writing=False):
+def _check_family(family):
     if family not in FAMILIES:
         raise _error(5000022, f"not a sensor family of this library: {family!r}")
-    if writing and family in SONAR_FAMILIES:
-        raise _error(-1, f"{family} is only read from Python")
 
 
 def ragged(family):
@@ -111,6 +107,12 @@ class Line:
                 return {"profiles": profiles, "beams": beams}
             return _with_datetimes(h.read_records(first, count))
 
+    def traces(self, family="SideScan"):
+        """The side scan trace records of sonar types 9 and 10: ``profile``
+        (pings from 0), ``bottom_sample`` and ``depth``."""
+        with _Handle(self.open(family)) as h:
+            return h.read_traces()
+
     def dataset(self, family, **kwargs):
         """The family as an xarray.Dataset (see velmio.xarray_backend)."""
         from .xarray_backend import open_line_dataset
@@ -153,23 +155,37 @@ class SensorWriter:
     """Writes one family of a line: one ``write_segment`` call per raw
     source file, then ``close`` (or leave the ``with`` block) to finish."""
 
-    def __init__(self, line, family, tool_type=0, tool_type2=0, coordinate_type=1):
-        _check_family(family, writing=True)
+    def __init__(self, line, family, tool_type=0, tool_type2=0, coordinate_type=1, sonar_type=None):
+        _check_family(family)
         os.makedirs(os.fspath(line), exist_ok=True)
-        first = coordinate_type if family in ("Navigation", "SSSNavigation") else tool_type
         self.family = family
         self.summary_status = 0
+        if family in SONAR_FAMILIES:
+            # Sonar type 9, 10 or 15 makes a "SideScan" file of that sonar.
+            kind = sonar_type if family in SIDE_SCAN_FAMILIES else tool_type
+            self._h = _velmio.SonarSensor(os.fspath(line), family, "create", kind)
+            return
+        first = coordinate_type if family in ("Navigation", "SSSNavigation") else tool_type
         self._h = _velmio.Sensor(os.fspath(line), family, "create", first, tool_type2)
 
-    def write_segment(self, name, data=None, *, profiles=None, beams=None, segment_status=0, **columns):
+    def write_segment(self, name, data=None, *, profiles=None, beams=None, traces=None, segment_status=0,
+                      **columns):
         """Writes a segment named after its raw source file. Time series
         take equal-length columns (``time``, ``value`` or ``latitude``/
         ``longitude``/``metres``, ``status``) as a dict or keywords; profile
         families take ``profiles`` (time, beam_count, first_beam, status and
         angle1/angle2 or profile_word) and flat ``beams`` columns. Times are
         seconds since 1980 or datetime64 values; ``segment_status`` is the
-        segment's status word."""
-        if self.family in PROFILE_FAMILIES:
+        segment's status word.
+
+        Side scan and processed depths take the columns their reads give
+        (absent ones are zeros; ``time``, the count, first beam or sample,
+        beam ``depth`` and sample ``amplitude`` are required); side scan of
+        sonar types 9 and 10 also ``traces`` (``profile``, its index in this
+        segment, ``bottom_sample``, ``depth``)."""
+        if self.family in SONAR_FAMILIES:
+            self._h.write_segment(name, _times(profiles), _times(beams), traces, segment_status)
+        elif self.family in PROFILE_FAMILIES:
             self._h.write_profiles(name, _times(profiles), _times(beams), segment_status)
         else:
             data = dict(data or {}, **columns)
@@ -212,19 +228,28 @@ class SensorEditor:
     from 0 as ``Line.read`` returns them; an index array or a boolean mask
     selects them. Status edits of time series and navigation, and segment
     and summary statuses, reach the file with ``save()``; beam edits are
-    written at once."""
+    written at once, as are side scan ping statuses."""
 
     def __init__(self, line, family):
-        _check_family(family, writing=True)
+        _check_family(family)
         self.family = family
-        self._h = _velmio.Sensor(os.fspath(line), family, "update")
+        self._h = _open(os.fspath(line), family, "update")
 
     def set_status(self, where, status):
         """Record statuses (time series and navigation)."""
+        if self.family in PROFILE_FAMILIES:
+            raise _error(-1, f"{self.family} holds profiles, not records")
         self._h.set_record_status(where, status)
 
+    def set_profile_status(self, where, status):
+        """Ping statuses of side scan."""
+        if self.family not in SIDE_SCAN_FAMILIES:
+            raise _error(-1, f"{self.family} has no ping status edit")
+        self._h.set_profile_status(where, status)
+
     def set_beam_status(self, where, status):
-        """Replaces the status bits of beams (observed depths, slant range)."""
+        """Replaces the status bits of beams (observed depths, slant range,
+        processed depths)."""
         self._h.update_beams("status", where, {"status": status})
 
     def set_rejection(self, where, bits):
