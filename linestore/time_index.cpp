@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 
 namespace velmio {
@@ -219,10 +220,37 @@ struct StreamReader final : TimeIndex::ChunkReader {
     std::FILE *file;
 };
 
+// Reads the file a block at a time: a long line's index is tens of
+// thousands of small sets, and a read per set made its open syscall-bound.
 struct DescriptorReader final : TimeIndex::ChunkReader {
-    explicit DescriptorReader(int f) : fd(f) {}
-    std::int64_t get(void *out, std::size_t n) override { return platform::readNext(fd, out, n); }
+    static constexpr std::size_t kBlock = 1 << 20;
+    explicit DescriptorReader(int f) : fd(f), block(new (std::nothrow) unsigned char[kBlock]) {}
+    std::int64_t get(void *out, std::size_t n) override {
+        auto *to = static_cast<unsigned char *>(out);
+        std::size_t done = 0;
+        while (done < n) {
+            if (at == held) {
+                // Without a block, or for a request as large as one, read straight.
+                if (!block || n - done >= kBlock) {
+                    const std::int64_t got = platform::readNext(fd, to + done, n - done);
+                    return got < 0 ? -1 : static_cast<std::int64_t>(done) + got;
+                }
+                const std::int64_t got = platform::readNext(fd, block.get(), kBlock);
+                if (got < 0) return -1;
+                if (got == 0) break;
+                at = 0;
+                held = static_cast<std::size_t>(got);
+            }
+            const std::size_t take = std::min(n - done, held - at);
+            std::memcpy(to + done, block.get() + at, take);
+            at += take;
+            done += take;
+        }
+        return static_cast<std::int64_t>(done);
+    }
     int fd;
+    std::unique_ptr<unsigned char[]> block;
+    std::size_t at = 0, held = 0;
 };
 
 constexpr std::size_t kHeaderBytes = 24;

@@ -63,8 +63,14 @@ def main():
             parts["read"] = min(parts["read"], time.perf_counter() - opened)
             return c["time"], c["value"], c["status"]
 
-        fromfile, expected = best_of(3, with_numpy)
-        ours, got = best_of(3, with_velmio)
+        # Passes alternate, so that other work on the machine weighs on both
+        # sides alike; the best pass of each is kept.
+        fromfile = ours = float("inf")
+        for _ in range(5):
+            t, expected = best_of(1, with_numpy)
+            fromfile = min(fromfile, t)
+            t, got = best_of(1, with_velmio)
+            ours = min(ours, t)
         assert all(np.array_equal(a, b) for a, b in zip(got, expected)), "the two reads differ"
         with_datetimes, _ = best_of(3, lambda: velmio.open_line(line).read("Gyro"))
         size = os.path.getsize(path) / 1e6
