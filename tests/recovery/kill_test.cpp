@@ -29,7 +29,13 @@ void runWriter(const char *family, const std::string &line, long count, std::uin
     const pid_t pid = ::fork();
     ASSERT_GE(pid, 0);
     if (pid == 0) {
-        ::execl(VELMIO_LINE_WRITER, VELMIO_LINE_WRITER, family, line.c_str(), records.c_str(), nullptr);
+        // A cross build's writer runs under its emulator, which the shell's
+        // exec makes the process that is killed.
+        if (*VELMIO_EMULATOR)
+            ::execl("/bin/sh", "sh", "-c", "exec " VELMIO_EMULATOR " \"$0\" \"$@\"", VELMIO_LINE_WRITER, family,
+                    line.c_str(), records.c_str(), nullptr);
+        else
+            ::execl(VELMIO_LINE_WRITER, VELMIO_LINE_WRITER, family, line.c_str(), records.c_str(), nullptr);
         ::_exit(127);
     }
     if (killAt) {
