@@ -6,6 +6,7 @@
 #include <velmio/tpe.h>
 
 #include "encoding/rounding.h"
+#include "sensors/cache_size.h"
 #include "sensors/profile_bulk.h"
 #include "sensors/profile_cursor.h"
 
@@ -96,23 +97,6 @@ int enter(TOVO_Sensor *h, unsigned modes, TpeState *&t) {
     const int rc = enterProfile(h, kTpe, modes, s);
     t = static_cast<TpeState *>(s);
     return rc;
-}
-
-// VelmIOCacheSize as a plain decimal: unset, "0", text and negative numbers
-// give 0; a number too large for the type saturates (and is then bounded by
-// the line's profile count).
-unsigned int cacheSizeFromEnvironment() {
-    const char *text = std::getenv("VelmIOCacheSize");
-    if (!text) return 0;
-    while (std::isspace(static_cast<unsigned char>(*text))) ++text;
-    if (*text == '-') return 0;
-    if (*text == '+') ++text;
-    unsigned long long value = 0;
-    for (; *text >= '0' && *text <= '9'; ++text) {
-        value = value * 10 + static_cast<unsigned>(*text - '0');
-        if (value > UINT_MAX) return UINT_MAX;
-    }
-    return static_cast<unsigned int>(value);
 }
 
 bool cacheOn(const TpeState &t) { return getCacheSize(t.reader) != 0; }
