@@ -121,21 +121,6 @@ TEST(SensorOpen, AccessDeniedIsReported) {
     EXPECT_EQ(err, 5000016);
 }
 
-TEST(SensorOpen, LongPathPartsAreCutToTheFixedArrays) {
-    TempDir dir;
-    const std::string longName(100, 'p');
-    const std::string line = dir.path() + "/" + longName + "/V/" + std::string(70, 'd') + "/L";
-    ASSERT_EQ(LineCreateHierarchy(widen(line).c_str()), 0);
-    int err = -1;
-    TOVO_Sensor *h = SensorOpenDir(widen(line).c_str(), 1, L"create", &err);
-    ASSERT_NE(h, nullptr);
-    EXPECT_EQ(std::wstring(h->project), std::wstring(63, L'p'));
-    EXPECT_EQ(std::wstring(h->vessel), L"V");
-    EXPECT_EQ(std::wstring(h->day), std::wstring(63, L'd'));
-    EXPECT_EQ(std::wstring(h->line), L"L");
-    closeAndFree(h);
-}
-
 TEST(SensorRemove, DeletesTheThreeFilesButNotTheTrace) {
     TempDir dir;
     for (const char *f : {"SideScan", "SideScanLineSegments", "SideScanTmIdx", "SideScanTrace"}) writeText(dir.file(f), "");

@@ -125,7 +125,7 @@ protected:
     }
 };
 
-TEST_P(BulkRecords, WritesTheSameBytesAndReadsTheSameValuesAsPerRecordCalls) {
+TEST_P(BulkRecords, MatchThePerRecordPathsInBytesValuesEditsAndCodes) {
     const RecordOps &f = GetParam();
     TempDir perRecord, bulk;
     writeLine(perRecord, false);
@@ -156,35 +156,25 @@ TEST_P(BulkRecords, WritesTheSameBytesAndReadsTheSameValuesAsPerRecordCalls) {
     EXPECT_EQ(readRange(h, 2, UINT_MAX, out), f.code(19));
     EXPECT_TRUE(out == untouched);
     EXPECT_EQ(f.close(h), 0);
-}
 
-TEST_P(BulkRecords, UpdateHandleReadsItsOwnStatusEdits) {
-    const RecordOps &f = GetParam();
-    TempDir dir;
-    writeLine(dir, true);
-    H h = openLine(f.openDir, dir, L"update");
+    // An update handle reads its own status edits, unsaved, in bulk too.
+    h = openLine(f.openDir, bulk, L"update");
     ASSERT_NE(h, nullptr);
     ASSERT_EQ(f.setRecordStatus(h, 513, 0xABCu), 0);
-    Columns got(4);
-    ASSERT_EQ(readRange(h, 511, 4, got), 0);
-    EXPECT_EQ(got.s[2], 0xABCu);
-    EXPECT_TRUE(got == readEach(h, 511, 4));
+    Columns edited(4);
+    ASSERT_EQ(readRange(h, 511, 4, edited), 0);
+    EXPECT_EQ(edited.s[2], 0xABCu);
+    EXPECT_TRUE(edited == readEach(h, 511, 4));
     EXPECT_EQ(f.close(h), 0);
-}
 
-TEST_P(BulkRecords, DataFileCutUnderAnOpenQueryHandleFailsWithTheFamilysCode) {
-    const RecordOps &f = GetParam();
-    TempDir dir;
-    writeLine(dir, true);
-    H h = openLine(f.openDir, dir, L"query");
+    // The data file cut under an open query handle: the family's code.
+    h = openLine(f.openDir, bulk, L"query");
     ASSERT_NE(h, nullptr);
-    const std::string data = dir.file(f.name);
+    const std::string data = bulk.file(f.name);
     ASSERT_EQ(::truncate(data.c_str(), static_cast<off_t>(readFile(data).size() / 2)), 0);
-    Columns got(200);
-    double t, a, b, c;
-    unsigned s;
-    EXPECT_EQ(f.read(h, kRecords - 10, &t, &a, &b, &c, &s), f.code(25));
-    EXPECT_EQ(readRange(h, kRecords - 200, 200, got), f.code(25));
+    Columns cut(200);
+    EXPECT_EQ(f.read(h, kRecords - 10, &cut.t[0], &cut.a[0], &cut.b[0], &cut.c[0], &cut.s[0]), f.code(25));
+    EXPECT_EQ(readRange(h, kRecords - 200, 200, cut), f.code(25));
     EXPECT_EQ(f.close(h), 0);
 }
 

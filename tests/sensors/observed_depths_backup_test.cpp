@@ -47,29 +47,6 @@ TEST(ObservedDepthsBackup, BackupMovesBothSetsAndEachRestoreBringsItsOwnBack) {
     EXPECT_TRUE(std::filesystem::is_empty(backup));
 }
 
-TEST(ObservedDepthsBackup, FailedRenameLeavesEverythingWhereItWas) {
-    TempDir dir;
-    const std::string backup = dir.file(".backup");
-    writeSet(dir.path(), "ObservedDepths");
-    // An old backup file that the move would replace, and a directory where
-    // the time index must go.
-    std::filesystem::create_directories(backup + "/ObservedDepthsTmIdx/occupied");
-    writeText(backup + "/ObservedDepths", "old backup");
-    EXPECT_EQ(ObservedDepthsBackupDir(dir.wpath().c_str()), 5000228);
-    expectSet(dir.path(), "ObservedDepths");
-    EXPECT_EQ(readText(backup + "/ObservedDepths"), "old backup");
-    EXPECT_FALSE(fileExists(backup + "/ObservedDepthsLineSegments"));
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(backup), {}), 2);
-
-    // Restore rolls back the same way.
-    std::filesystem::remove_all(backup);
-    ASSERT_EQ(ObservedDepthsBackupDir(dir.wpath().c_str()), 0);
-    std::filesystem::create_directories(dir.file("ObservedDepthsTmIdx/occupied"));
-    EXPECT_EQ(ObservedDepthsRestoreBackupDir(dir.wpath().c_str()), 5000228);
-    expectSet(backup, "ObservedDepths");
-    EXPECT_FALSE(fileExists(dir.file("ObservedDepths")));
-}
-
 TEST(ObservedDepthsBackup, NeedsADataFileAndRemoveDeletesBackedUpFiles) {
     TempDir dir;
     EXPECT_EQ(ObservedDepthsBackupDir(dir.wpath().c_str()), 5000228);

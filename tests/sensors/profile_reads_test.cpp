@@ -63,9 +63,9 @@ Reads expectAgreement(const Family &f, const TempDir &dir) {
     return r;
 }
 
-TEST(ObservedDepthsRead, RandomAndSequentialReadsAgreeOnEveryBeam) { expectAgreement(observedDepths(), TempDir()); }
-
-TEST(SlantRangeRead, RandomAndSequentialReadsAgreeOnEveryBeam) { expectAgreement(slantRange(), TempDir()); }
+TEST(ProfileRead, RandomAndSequentialReadsAgreeOnEveryBeam) {
+    for (const Family &f : {observedDepths(), slantRange()}) expectAgreement(f, TempDir());
+}
 
 // Without a cache the reads agree; every cache size gives the same values.
 TEST(TpeRead, RandomAndSequentialReadsAgreeOnEveryBeamWhateverTheCacheSize) {

@@ -119,6 +119,7 @@ TEST(SimpleSensorCorrupt, LongPathComponentsDoNotOverflow) {
     TOVO_Sensor *h = HeaveOpenDir(wline.c_str(), L"create", &error);
     ASSERT_NE(h, nullptr);
     EXPECT_EQ(std::wcslen(h->project), 63u);
+    EXPECT_EQ(std::wstring(h->day), std::wstring(63, L'D'));
     EXPECT_EQ(std::wstring(h->line), std::wstring(63, L'L'));
     for (int rc : {HeaveBgnSeqWriteLineSegment(h, std::wstring(300, L'n').c_str()), HeaveSeqWrite(h, 1.0, 2.0, 3),
                    HeaveEndSeqWriteLineSegment(h, 0), HeaveClose(h)})
