@@ -332,6 +332,30 @@ int TimeIndex::readFrom(std::FILE *file, std::uint32_t typeId) {
     return readBody(in, sets, capacity, remaining);
 }
 
+namespace {
+
+struct MemoryReader final : TimeIndex::ChunkReader {
+    MemoryReader(const unsigned char *b, std::size_t n) : bytes(b), left(n) {}
+    std::int64_t get(void *out, std::size_t n) override {
+        const std::size_t take = n < left ? n : left;
+        if (take) std::memcpy(out, bytes, take);
+        bytes += take;
+        left -= take;
+        return static_cast<std::int64_t>(take);
+    }
+    const unsigned char *bytes;
+    std::size_t left;
+};
+
+}  // namespace
+
+int TimeIndex::readBytes(const unsigned char *bytes, std::size_t size, std::uint32_t typeId) {
+    std::uint32_t sets = 0, capacity = 0;
+    if (!bytes || size < kHeaderBytes || !parseHeader(bytes, typeId, sets, capacity)) return kTmIdxInvalid;
+    MemoryReader in(bytes + kHeaderBytes, size - kHeaderBytes);
+    return readBody(in, sets, capacity, static_cast<std::int64_t>(size - kHeaderBytes));
+}
+
 int TimeIndex::read(const wchar_t *path, std::uint32_t typeId) {
     const int fd = platform::openForReading(path);
     if (fd < 0) return kTmIdxCannotOpen;

@@ -81,6 +81,9 @@ public:
     // stay on the chain (clear() or the destructor releases them).
     int read(const wchar_t *path, std::uint32_t typeId);
     int readFrom(std::FILE *file, std::uint32_t typeId);
+    // The same from the file's bytes in memory (an in-memory line): 0,
+    // 5000039 or 5000009.
+    int readBytes(const unsigned char *bytes, std::size_t size, std::uint32_t typeId);
 
     std::uint32_t setCount() const { return setCount_; }
     std::uint32_t capacity() const { return capacity_; }
