@@ -14,12 +14,6 @@ std::int32_t wrap(double whole) {
 }
 }  // namespace
 
-std::int32_t nint(double x) {
-    if (std::isnan(x) || !(std::fabs(x) < kTwo63 - 1024.0)) return std::numeric_limits<std::int32_t>::min();
-    double magnitude = std::trunc(std::fabs(x) + 0.5);
-    return wrap(x < 0 ? -magnitude : magnitude);
-}
-
 std::int32_t truncToInt32(double x) {
     if (std::isnan(x) || !(std::fabs(x) < kTwo63 - 1024.0)) return std::numeric_limits<std::int32_t>::min();
     return wrap(std::trunc(x));

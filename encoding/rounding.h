@@ -2,13 +2,21 @@
 #ifndef VELMIO_ENCODING_ROUNDING_H
 #define VELMIO_ENCODING_ROUNDING_H
 
+#include <cmath>
 #include <cstdint>
 
 namespace velmio {
 
 // Round half away from zero to a signed 32-bit integer, wrapping modulo 2^32.
-// NaN, infinities and |x| >= 2^63 give INT32_MIN.
-std::int32_t nint(double x);
+// NaN, infinities and |x| >= 2^63 give INT32_MIN. Inline: the record writers
+// call it for every field.
+inline std::int32_t nint(double x) {
+    if (std::isnan(x) || !(std::fabs(x) < 9223372036854775808.0 - 1024.0)) return INT32_MIN;
+    const double magnitude = std::trunc(std::fabs(x) + 0.5);
+    // Integral and below 2^63 in magnitude: the int64 conversion is exact.
+    const auto wide = static_cast<std::int64_t>(x < 0 ? -magnitude : magnitude);
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(wide)));
+}
 // Truncate toward zero, wrapping the same way (same special values).
 std::int32_t truncToInt32(double x);
 

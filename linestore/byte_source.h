@@ -92,6 +92,15 @@ public:
         used_ += n;
         return true;
     }
+    // Room for n bytes (at most 64 KiB) at the end, filled by the caller and
+    // then kept with commit(); null when a flush to make room fails.
+    unsigned char *room(std::size_t n) {
+        if (used_ + n > kWindowBytes || !held_) {
+            if (!flush() || !reserve()) return nullptr;
+        }
+        return held_.get() + used_;
+    }
+    void commit(std::size_t n) { used_ += n; }
     bool flush();
     std::uint64_t offset() const { return flushed_ + used_; }
 

@@ -37,6 +37,11 @@ struct Extent {
         if (v > max) max = v;
         if (v < min) min = v;
     }
+    // As widening by every value other was widened by.
+    void widen(const Extent &other) {
+        if (other.max > max) max = other.max;
+        if (other.min < min) min = other.min;
+    }
 };
 
 }  // namespace velmio

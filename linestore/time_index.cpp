@@ -135,6 +135,37 @@ int TimeIndex::append(std::int32_t encodedTime, std::uint32_t byteOffset) {
     return 0;
 }
 
+std::uint32_t TimeIndex::appendRun(const std::int32_t *encodedTimes, std::uint32_t n, std::uint32_t firstOffset,
+                                   std::uint32_t stride) {
+    std::uint32_t done = 0;
+    while (done < n) {
+        _TOVO_TmIdxSet *set = last_;
+        const std::uint32_t room = set ? std::min(kFullSet, rooms_.back()) : 0;
+        if (!set || set->count >= room) {
+            // A new set (or an odd one): append() decides as it always has.
+            if (append(encodedTimes[done], firstOffset + done * stride) != 0) break;
+            ++done;
+            continue;
+        }
+        const std::uint32_t take = std::min(n - done, room - set->count);
+        std::int32_t lo = set->minTime, hi = set->maxTime;
+        TOVO_TmIdxEntry *e = set->entries + set->count;
+        for (std::uint32_t k = 0; k < take; ++k) {
+            const std::int32_t t = encodedTimes[done + k];
+            lo = t < lo ? t : lo;
+            hi = t > hi ? t : hi;
+            e[k].encodedTime = t;
+            e[k].byteOffset = firstOffset + (done + k) * stride;
+        }
+        set->minTime = lo;
+        set->maxTime = hi;
+        set->count += take;
+        entryCount_ += take;
+        done += take;
+    }
+    return done;
+}
+
 const TOVO_TmIdxEntry *TimeIndex::entry(std::uint32_t n) const {
     if (n == 0 || n > entryCount_ || sets_.empty()) return nullptr;
     const std::uint32_t index = n - 1;
@@ -182,10 +213,15 @@ int TimeIndex::writeTo(std::FILE *file, std::uint32_t typeId, std::uint32_t form
         }
         if (!emit()) return kTmIdxWriteFailed;
         for (_TOVO_TmIdxSet *s = first_; s; s = s->next) {
-            put(s->count);
-            for (std::uint32_t i = 0; i < s->count; ++i) {
-                put(static_cast<std::uint32_t>(s->entries[i].encodedTime));
-                put(s->entries[i].byteOffset);
+            // Sized once and stored in place: a word-by-word resize was most
+            // of the cost of closing a long line.
+            out.resize(4 + std::size_t{s->count} * 8);
+            unsigned char *p = out.data();
+            storeBe32(p, s->count);
+            p += 4;
+            for (std::uint32_t i = 0; i < s->count; ++i, p += 8) {
+                storeBe32(p, static_cast<std::uint32_t>(s->entries[i].encodedTime));
+                storeBe32(p + 4, s->entries[i].byteOffset);
             }
             if (!emit()) return kTmIdxWriteFailed;
         }
@@ -322,6 +358,30 @@ int TimeIndex::readFrom(std::FILE *file, std::uint32_t typeId) {
     const std::int64_t remaining = (size >= 0 && here >= 0) ? size - here : 0;
     StreamReader in(file);
     return readBody(in, sets, capacity, remaining);
+}
+
+namespace {
+
+struct MemoryReader final : TimeIndex::ChunkReader {
+    MemoryReader(const unsigned char *b, std::size_t n) : bytes(b), left(n) {}
+    std::int64_t get(void *out, std::size_t n) override {
+        const std::size_t take = n < left ? n : left;
+        if (take) std::memcpy(out, bytes, take);
+        bytes += take;
+        left -= take;
+        return static_cast<std::int64_t>(take);
+    }
+    const unsigned char *bytes;
+    std::size_t left;
+};
+
+}  // namespace
+
+int TimeIndex::readBytes(const unsigned char *bytes, std::size_t size, std::uint32_t typeId) {
+    std::uint32_t sets = 0, capacity = 0;
+    if (!bytes || size < kHeaderBytes || !parseHeader(bytes, typeId, sets, capacity)) return kTmIdxInvalid;
+    MemoryReader in(bytes + kHeaderBytes, size - kHeaderBytes);
+    return readBody(in, sets, capacity, static_cast<std::int64_t>(size - kHeaderBytes));
 }
 
 int TimeIndex::read(const wchar_t *path, std::uint32_t typeId) {

@@ -58,6 +58,11 @@ public:
     // when there is none or the last holds exactly 512 entries (the constant,
     // not capacity(): files of this system always carry 512). 0 or 5000009.
     int append(std::int32_t encodedTime, std::uint32_t byteOffset);
+    // As n append() calls for records stride bytes apart from firstOffset,
+    // filling a set at a time: the number appended (fewer only when memory
+    // runs out).
+    std::uint32_t appendRun(const std::int32_t *encodedTimes, std::uint32_t n, std::uint32_t firstOffset,
+                            std::uint32_t stride);
 
     // Byte offset of record n (counted from 1): 0, 5000036 for n == 0,
     // 5000037 beyond the last entry. Prints nothing.
@@ -76,6 +81,9 @@ public:
     // stay on the chain (clear() or the destructor releases them).
     int read(const wchar_t *path, std::uint32_t typeId);
     int readFrom(std::FILE *file, std::uint32_t typeId);
+    // The same from the file's bytes in memory (an in-memory line): 0,
+    // 5000039 or 5000009.
+    int readBytes(const unsigned char *bytes, std::size_t size, std::uint32_t typeId);
 
     std::uint32_t setCount() const { return setCount_; }
     std::uint32_t capacity() const { return capacity_; }

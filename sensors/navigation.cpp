@@ -4,6 +4,7 @@
 #include <velmio/linestore.h>
 #include <velmio/navigation.h>
 
+#include "encoding/rounding.h"
 #include "foundation/diagnostics.h"
 #include "foundation/wide_copy.h"
 #include "sensors/record_family.h"
@@ -409,11 +410,32 @@ int seqWriteRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int count,
     if (int rc = check(f, kSeqWrite, h, s)) return rc;
     if (count == 0) return 0;
     if (!times || !latitudes || !longitudes || !metres) return kMissingOutput;
-    for (unsigned int i = 0; i < count; ++i)
-        if (int rc = writeRecord(h, s, times[i], latitudes[i], longitudes[i], metres[i],
-                                 statuses ? statuses[i] : 0))
-            return rc;
-    return 0;
+    const double *const fields[3] = {times, latitudes, longitudes};
+    return appendRecords(
+        *h, *s, count, fields,
+        [&](std::uint32_t first, std::uint32_t n, unsigned char *bytes, std::int32_t *encodedTimes) {
+            // TOVO_EncodeTime, ..Position and ..Meters inline, operation for
+            // operation; the references are fixed by now.
+            const double reference = h->referenceTime * 60.0;
+            const double scale = h->timeScale;
+            const double latitude0 = h->referenceLatitude * 1e-7, longitude0 = h->referenceLongitude * 1e-7;
+            const double step = h->positionScale * 1e-9;
+            for (std::uint32_t i = first; i < first + n; ++i, bytes += kRecordBytes) {
+                const std::int32_t t = nint((times[i] - reference) * scale);
+                const double m = metres[i];
+                const std::int32_t units =
+                    m > 2000000.0 ? 2147483647 : m < -2000000.0 ? -2147483647 - 1 : nint(m * 1000.0);
+                storeBe32(bytes, statuses ? statuses[i] : 0);
+                storeBe32(bytes + 4, static_cast<std::uint32_t>(t));
+                storeBe32(bytes + 8, static_cast<std::uint32_t>(nint((latitudes[i] - latitude0) / step)));
+                storeBe32(bytes + 12, static_cast<std::uint32_t>(nint((longitudes[i] - longitude0) / step)));
+                storeBe32(bytes + 16, static_cast<std::uint32_t>(units));
+                *encodedTimes++ = t;
+            }
+        },
+        [&](std::uint32_t i) {
+            return writeRecord(h, s, times[i], latitudes[i], longitudes[i], metres[i], statuses ? statuses[i] : 0);
+        });
 }
 
 int endSeqWriteLineSegment(const NavigationFamily &f, TOVO_Sensor *h, unsigned int status) {

@@ -84,6 +84,54 @@ void widenExtents(TOVO_Sensor &h, const double (&values)[Count]) {
     }
 }
 
+// A bulk write of records 0 .. count - 1, encoded straight into the append
+// buffer a buffer's worth at a time with their time index entries added in
+// one go. encode(first, n, bytes, times) writes records first .. first + n - 1
+// and their encoded times;
+// fields are the raw values widening the extents, in extent order.
+// writeOne(i) is the per-record write: it takes the first record of a line
+// (which fixes the references) and every record the batch path cannot
+// (a failing flush, offsets near 4 GiB), so that codes and counts on
+// failure are those of the per-record path.
+template <int Fields, class Encode, class WriteOne>
+int appendRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t count, const double *const (&fields)[Fields],
+                  Encode encode, WriteOne writeOne) {
+    const std::uint32_t size = s.records.recordSize();
+    constexpr std::uint32_t kMostPerBatch = kWindowBytes / 12;  // the smallest record is 12 bytes
+    const std::uint32_t perBatch = std::min<std::uint32_t>(kMostPerBatch, kWindowBytes / size);
+    std::int32_t times[kMostPerBatch];
+    std::uint32_t i = 0;
+    while (i < count) {
+        const std::uint32_t batch = std::min(perBatch, count - i);
+        const std::uint64_t at = s.appender.offset();
+        unsigned char *p = nullptr;
+        if (!s.firstRecordPending && at + std::uint64_t{batch - 1} * size <= 0xFFFFFFFFu)
+            p = s.appender.room(std::size_t{batch} * size);
+        if (!p) {
+            if (int rc = writeOne(i)) return rc;
+            ++i;
+            continue;
+        }
+        encode(i, batch, p, times);
+        const std::uint32_t kept =
+            h.timeIndex.appendRun(times, batch, static_cast<std::uint32_t>(at), size);
+        s.appender.commit(std::size_t{kept} * size);
+        h.recordCount += kept;
+        s.written += kept;
+        _TOVO_LnSeg *segment = h.lastSegment;
+        for (int k = 0; k < Fields; ++k) {
+            Extent e;
+            for (std::uint32_t j = 0; j < kept; ++j) e.widen(fields[k][i + j]);
+            h.extents[k].widen(e);
+            if (segment) segment->extents[k].widen(e);
+        }
+        i += kept;
+        // The index ran out of memory: the next record fails as it would alone.
+        if (kept < batch) return writeOne(i);
+    }
+    return 0;
+}
+
 int saveStatusToDisk(TOVO_Sensor &h, RecordState &s);
 // Finishes and releases the handle whatever happens; the first failure's code.
 int closeRecordFamily(TOVO_Sensor *h, RecordState &s);

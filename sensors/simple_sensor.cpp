@@ -4,6 +4,7 @@
 #include <velmio/linestore.h>
 #include <velmio/simple_sensor.h>
 
+#include "encoding/rounding.h"
 #include "foundation/wide_copy.h"
 #include "sensors/record_family.h"
 #include "sensors/simple_families.h"
@@ -246,9 +247,30 @@ extern "C" VELMIO_API int SimpleSensorSeqWriteRange(TOVO_Sensor *h, unsigned int
     if (!isCreate(*h)) return kSimple.code(kWrongMode);
     if (count == 0) return 0;
     if (!times || !values) return kMissingOutput;
-    for (unsigned int i = 0; i < count; ++i)
-        if (int rc = writeRecord(*h, *s, times[i], values[i], statuses ? statuses[i] : 0)) return rc;
-    return 0;
+    const double *const fields[2] = {times, values};
+    const bool radians = h->encodeValue == TOVO_EncodeRadians;
+    return appendRecords(
+        *h, *s, count, fields,
+        [&](std::uint32_t first, std::uint32_t n, unsigned char *bytes, std::int32_t *encodedTimes) {
+            // TOVO_EncodeTime, ..Meters and ..Radians inline, operation for
+            // operation; the references are fixed by now.
+            const double reference = h->referenceTime * 60.0;
+            const double scale = h->timeScale;
+            for (std::uint32_t i = first; i < first + n; ++i, bytes += kRecordBytes) {
+                const std::int32_t t = nint((times[i] - reference) * scale);
+                const double v = values[i];
+                std::int32_t units;
+                if (radians)
+                    units = nint(v * 10000000.0);
+                else
+                    units = v > 2000000.0 ? 2147483647 : v < -2000000.0 ? -2147483647 - 1 : nint(v * 1000.0);
+                storeBe32(bytes, statuses ? statuses[i] : 0);
+                storeBe32(bytes + 4, static_cast<std::uint32_t>(t));
+                storeBe32(bytes + 8, static_cast<std::uint32_t>(units));
+                *encodedTimes++ = t;
+            }
+        },
+        [&](std::uint32_t i) { return writeRecord(*h, *s, times[i], values[i], statuses ? statuses[i] : 0); });
 }
 
 extern "C" VELMIO_API int SimpleSensorEndSeqWriteLineSegment(TOVO_Sensor *h, unsigned int status) {

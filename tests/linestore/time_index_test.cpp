@@ -85,7 +85,17 @@ TEST(TimeIndex, CorruptFilesAreRefusedAtEveryLength) {
         writeFile(dir.file("cut"), Bytes(good.begin(), good.begin() + static_cast<long>(cut)));
         TimeIndex back;
         EXPECT_EQ(back.read(dir.wfile("cut").c_str(), 1), velmio::kTmIdxInvalid) << "cut at " << cut;
+        TimeIndex fromMemory;
+        EXPECT_EQ(fromMemory.readBytes(good.data(), cut, 1), velmio::kTmIdxInvalid) << "cut at " << cut;
     }
+    // The whole file from memory reads as from the disk, across both sets.
+    TimeIndex fromMemory;
+    ASSERT_EQ(fromMemory.readBytes(good.data(), good.size(), 1), 0);
+    std::uint32_t offset = 0;
+    EXPECT_EQ(fromMemory.setCount(), 2u);
+    EXPECT_EQ(fromMemory.map(600, offset), 0);
+    EXPECT_EQ(offset, 699u);
+    EXPECT_EQ(fromMemory.entry(513)->encodedTime, 512);
     // Counts larger than the file can hold are refused before any allocation.
     Bytes huge = ascii("TOVO");
     append(huge, be32s({1, 3, 1, 0x7FFFFFFF, 0xFFFFFFFF}));
