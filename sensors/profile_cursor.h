@@ -125,21 +125,6 @@ inline double beamTime(const ProfileState &s, double profileTime, std::uint32_t 
     return decodeDepthTime(profileTime, s.depthTimeScale, static_cast<std::int16_t>(word1 & 0xFFFFu));
 }
 
-// The operations every profile family has in the same form: the family's
-// entry checks and codes, then the shared effect. The tool type words are
-// familyWords[0] and, for a second one, familyWords[1] of the state.
-int profileBgnSeqWriteSummary(TOVO_Sensor *h, const ProfileFamily &f);
-int profileBgnSeqWriteLineSegment(TOVO_Sensor *h, const ProfileFamily &f, const wchar_t *name);
-int profileEndSeqWriteProfile(TOVO_Sensor *h, const ProfileFamily &f);
-int profileEndSeqWriteLineSegment(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status);
-int profileEndSeqWriteSummary(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status);
-int profileSetSummaryStatus(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status);
-int profileSetLineSegmentStatus(TOVO_Sensor *h, const ProfileFamily &f, int segmentNumber, std::uint32_t status);
-// Sets the first tool type word, and the second when second is not null;
-// modes says where this family allows it.
-int profileSetToolTypes(TOVO_Sensor *h, const ProfileFamily &f, unsigned modes, std::uint32_t first,
-                        const std::uint32_t *second);
-
 int beginProfileSegment(TOVO_Sensor &h, ProfileState &s, const wchar_t *name);
 int endProfileSegment(TOVO_Sensor &h, ProfileState &s, std::uint32_t status);
 int setSegmentStatus(TOVO_Sensor &h, ProfileState &s, int segmentNumber, std::uint32_t status);
