@@ -27,7 +27,8 @@ int beginSummary(ProfileEntry enter, TOVO_Sensor *h) {
     return enter(h, kCreateMode, s);
 }
 
-// Only a setter outside writing marks the summary for saving.
+// The setter (not the summary begun in create mode) marks the summary for
+// saving, which only an update handle does, at its close.
 int setToolType(ProfileEntry enter, TOVO_Sensor *h, unsigned modes, std::uint32_t toolType) {
     ProfileState *s = nullptr;
     if (const int rc = enter(h, modes, s)) return rc;
@@ -153,9 +154,9 @@ VELMIO_PROFILE_PLAIN_SUMMARY_BEGIN(VELMIO_FORWARD_PLAIN_SUMMARY_BEGIN)
     }
 VELMIO_PROFILE_TYPED_SUMMARY_BEGIN(VELMIO_FORWARD_TYPED_SUMMARY_BEGIN)
 
-#define VELMIO_FORWARD_ONE_TOOL_TYPE(P)                                                    \
-    extern "C" VELMIO_API int P##SetToolType(TOVO_Sensor *handle, unsigned int toolType) { \
-        return setToolType(P##Entry, handle, kAnyMode, toolType);                          \
+#define VELMIO_FORWARD_ONE_TOOL_TYPE(P, NAME)                                         \
+    extern "C" VELMIO_API int P##NAME(TOVO_Sensor *handle, unsigned int toolType) {   \
+        return setToolType(P##Entry, handle, kAnyMode, toolType);                     \
     }
 VELMIO_PROFILE_ONE_TOOL_TYPE(VELMIO_FORWARD_ONE_TOOL_TYPE)
 

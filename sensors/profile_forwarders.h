@@ -61,8 +61,9 @@ TOVO_Sensor *openCachedProfile(const wchar_t *lineDirectory, std::uint32_t openI
 #define VELMIO_PROFILE_PLAIN_SUMMARY_BEGIN(X) X(ObservedDepths) X(TPE)
 // BgnSeqWriteSummary(toolType).
 #define VELMIO_PROFILE_TYPED_SUMMARY_BEGIN(X) X(SLRange) X(ProcessedDepths) X(SideScan)
-// SetToolType with one tool type.
-#define VELMIO_PROFILE_ONE_TOOL_TYPE(X) X(ObservedDepths) X(SLRange) X(ProcessedDepths)
+// The setter of a single tool type: prefix and name.
+#define VELMIO_PROFILE_ONE_TOOL_TYPE(X) \
+    X(ObservedDepths, SetToolType) X(SLRange, SetToolType) X(ProcessedDepths, SetToolType) X(SideScan, SetSonarType)
 // Summary and LineSegment over time and depth bounds.
 #define VELMIO_PROFILE_DEPTH_BOUNDS(X) X(ObservedDepths) X(ProcessedDepths)
 // Summary over time bounds only.

@@ -464,14 +464,6 @@ VELMIO_API int SideScanReadTrace(TOVO_Sensor *handle, unsigned int recordNumber,
     return 0;
 }
 
-VELMIO_API int SideScanSetSonarType(TOVO_Sensor *handle, unsigned int sonarType) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    s->familyWords[0] = sonarType;
-    if (!isWriting(*handle)) s->statusDirty = true;
-    return 0;
-}
-
 VELMIO_API int SideScanUpdateProfileStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int status) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kUpdateMode, s)) return rc;
