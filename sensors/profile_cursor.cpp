@@ -22,7 +22,7 @@ namespace {
 constexpr std::size_t kRandomReadAhead = 4096;
 // Farther than this behind its header, a beam is read on its own: copying
 // more costs as much as a second small read.
-constexpr std::uint64_t kNearBeamBytes = 4096;
+constexpr std::uint64_t kNearBeamBytes = 8192;
 // Headers remembered per handle at most (48 bytes each).
 constexpr std::size_t kKnownHeaderSlots = std::size_t{1} << 15;
 
