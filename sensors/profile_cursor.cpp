@@ -23,7 +23,8 @@ constexpr std::size_t kRandomReadAhead = 4096;
 // Farther than this behind its header, a beam is read on its own: copying
 // more costs as much as a second small read.
 constexpr std::uint64_t kNearBeamBytes = 8192;
-// Headers remembered per handle at most (48 bytes each).
+// Headers remembered per handle at most (48 bytes each), for random beam
+// reads only: bulk reads hold no more than their window.
 constexpr std::size_t kKnownHeaderSlots = std::size_t{1} << 15;
 
 void storeWords(unsigned char *out, const std::uint32_t *words, unsigned count) {
@@ -263,7 +264,6 @@ int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decod
     header.number = profile;
     header.offset = offset;
     s.header = header;
-    s.knownHeaders.keep(header, h.timeIndex.entryCount());
     return 0;
 }
 
@@ -288,6 +288,7 @@ int readBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std::uint32
             const std::size_t ahead =
                 reach <= kNearBeamBytes ? static_cast<std::size_t>(reach) : s.geometry.headerBytes;
             if (const int rc = loadHeader(h, s, profile, kNotDecoded, ahead)) return rc;
+            s.knownHeaders.keep(s.header, h.timeIndex.entryCount());
             justRead = true;
         }
         if (!s.header.holds(beam)) return f.code(beamRangeReason);

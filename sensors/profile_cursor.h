@@ -82,7 +82,7 @@ public:
     double profileTime = 0.0;   // ping time of the profile in hand
     int repositionNeeded = 1;   // the file is not known to be at the next beam
     ProfileHeader header;       // last header positioned on
-    KnownHeaders knownHeaders;  // of random reads in query and update modes
+    KnownHeaders knownHeaders;  // of random beam reads
     std::uint32_t lastProfile = 0;
     std::uint32_t lastBeam = 0;
     // Writing: the segment begun and not yet ended, and the open profile's
