@@ -14,6 +14,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace velmio {
 
@@ -55,6 +56,24 @@ struct ProfileHeader {
     bool holds(std::uint32_t beam) const { return beam >= firstBeam && beam - firstBeam < beamCount; }
 };
 
+// Headers already read and checked, by profile number: a direct-mapped
+// table made on first use, so that a random beam of a profile met before
+// costs one read of the beam's own bytes. Header reads still go to the file.
+class KnownHeaders {
+public:
+    const ProfileHeader *find(std::uint32_t profile) const {
+        if (slots_.empty()) return nullptr;
+        const ProfileHeader &slot = slots_[profile & (slots_.size() - 1)];
+        return slot.number == profile ? &slot : nullptr;
+    }
+    // profiles (the line's count) sizes the table on first use.
+    void keep(const ProfileHeader &header, std::uint32_t profiles);
+    void forget() { slots_.clear(); }
+
+private:
+    std::vector<ProfileHeader> slots_;
+};
+
 class ProfileState : public EngineState {
 public:
     explicit ProfileState(const ProfileFamily &f) : EngineState(f), profiles(f) {}
@@ -63,6 +82,7 @@ public:
     double profileTime = 0.0;   // ping time of the profile in hand
     int repositionNeeded = 1;   // the file is not known to be at the next beam
     ProfileHeader header;       // last header positioned on
+    KnownHeaders knownHeaders;  // of random beam reads
     std::uint32_t lastProfile = 0;
     std::uint32_t lastBeam = 0;
     // Writing: the segment begun and not yet ended, and the open profile's
