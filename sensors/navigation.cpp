@@ -7,8 +7,10 @@
 #include "encoding/rounding.h"
 #include "foundation/diagnostics.h"
 #include "foundation/wide_copy.h"
+#include "sensors/column_decode.h"
 #include "sensors/record_family.h"
 
+#include <algorithm>
 #include <new>
 
 namespace velmio {
@@ -362,10 +364,28 @@ int readRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int first, uns
     if (count == 0) return 0;
     if (!inRange(*h, first, count)) return f.records.code(kOutOfRange);
     const bool edited = isUpdate(*h);
-    auto at = [](auto *array, std::uint32_t i) { return array ? array + i : nullptr; };
-    return readRecords(*h, *s, first, count, [&](std::uint32_t i, const unsigned char *bytes) {
-        decodeRecord(*h, bytes, at(times, i), at(latitudes, i), at(longitudes, i), at(metres, i), at(statuses, i));
-        if (statuses && edited) statuses[i] = h->shadowStatus[first + i];
+    // decodeRecord's arithmetic, a field at a time, with the handle's scales in locals.
+    const double timeScale = h->timeScale, referenceTime = h->referenceTime * 60.0;
+    const double positionScale = h->positionScale;
+    const double referenceLatitude = h->referenceLatitude * 1e-7, referenceLongitude = h->referenceLongitude * 1e-7;
+    return readRecordBatches(*h, *s, first, count, [&](std::uint32_t i, const unsigned char *bytes, std::uint32_t n) {
+        auto slots = [i](auto *array) { return array ? array + i : nullptr; };
+        auto position = [positionScale](double reference) {
+            return [positionScale, reference](std::uint32_t w) {
+                return static_cast<double>(static_cast<std::int32_t>(w)) * positionScale * 1e-9 + reference;
+            };
+        };
+        decodeColumn(slots(times), bytes, n, kRecordBytes, 4, [timeScale, referenceTime](std::uint32_t w) {
+            return static_cast<double>(static_cast<std::int32_t>(w)) / timeScale + referenceTime;
+        });
+        decodeColumn(slots(latitudes), bytes, n, kRecordBytes, 8, position(referenceLatitude));
+        decodeColumn(slots(longitudes), bytes, n, kRecordBytes, 12, position(referenceLongitude));
+        decodeColumn(slots(metres), bytes, n, kRecordBytes, 16,
+                     [](std::uint32_t w) { return static_cast<std::int32_t>(w) / 1000.0; });
+        if (statuses && edited)
+            std::copy_n(h->shadowStatus + first + i, n, statuses + i);
+        else
+            decodeColumn(slots(statuses), bytes, n, kRecordBytes, 0, [](std::uint32_t w) { return w; });
         return 0;
     });
 }
