@@ -1,7 +1,7 @@
-// One field of consecutive records decoded from the read window into a
-// caller's array: the bulk reads fill each array in a loop of its own, with
-// the scales in locals, so that no store into an array forces a reload of
-// the handle and a missing array costs nothing.
+// Fields of consecutive records decoded from the read window into a
+// caller's arrays, one array at a time: the bulk reads keep the scales in
+// locals, so that no store into an array forces a reload of the handle, and
+// a missing array costs nothing.
 #ifndef VELMIO_SENSORS_COLUMN_DECODE_H
 #define VELMIO_SENSORS_COLUMN_DECODE_H
 
@@ -11,24 +11,29 @@
 
 namespace velmio {
 
-// out[j] = field(word) for the 32-bit word at byte `at` of each of n records
-// of `stride` bytes from bytes; nothing when out is null.
-// The words are gathered a run at a time into a contiguous array first, so
-// that the compiler can scale (divide) several values per instruction.
-template <class T, class Field>
-inline void decodeColumn(T *out, const unsigned char *bytes, std::uint32_t n, unsigned stride, unsigned at,
-                         Field field) {
-    if (!out) return;
-    constexpr std::uint32_t kRun = 256;
-    std::uint32_t words[kRun];
-    bytes += at;
+constexpr std::uint32_t kColumnRun = 256;
+
+// The first Words 32-bit words of n records of stride bytes, gathered a run
+// at a time in one pass over the bytes: visit(done, run, words) with
+// words[w][j] word w of record done + j. Contiguous words let the compiler
+// scale (divide) several values per instruction.
+template <unsigned Words, class Visit>
+inline void forEachRun(const unsigned char *bytes, std::uint32_t n, unsigned stride, Visit visit) {
+    std::uint32_t words[Words][kColumnRun];
     for (std::uint32_t done = 0; done < n;) {
-        const std::uint32_t run = n - done < kRun ? n - done : kRun;
-        for (std::uint32_t j = 0; j < run; ++j, bytes += stride) words[j] = loadBe32(bytes);
-        T *const to = out + done;
-        for (std::uint32_t j = 0; j < run; ++j) to[j] = field(words[j]);
+        const std::uint32_t run = n - done < kColumnRun ? n - done : kColumnRun;
+        for (std::uint32_t j = 0; j < run; ++j, bytes += stride)
+            for (unsigned w = 0; w < Words; ++w) words[w][j] = loadBe32(bytes + 4 * w);
+        visit(done, run, words);
         done += run;
     }
+}
+
+// out[j] = field(words[j]) for a run; nothing when out is null.
+template <class T, class Field>
+inline void fillColumn(T *out, std::uint32_t run, const std::uint32_t *words, Field field) {
+    if (!out) return;
+    for (std::uint32_t j = 0; j < run; ++j) out[j] = field(words[j]);
 }
 
 }  // namespace velmio

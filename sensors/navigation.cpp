@@ -368,24 +368,29 @@ int readRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int first, uns
     const double timeScale = h->timeScale, referenceTime = h->referenceTime * 60.0;
     const double positionScale = h->positionScale;
     const double referenceLatitude = h->referenceLatitude * 1e-7, referenceLongitude = h->referenceLongitude * 1e-7;
-    return readRecordBatches(*h, *s, first, count, [&](std::uint32_t i, const unsigned char *bytes, std::uint32_t n) {
-        auto slots = [i](auto *array) { return array ? array + i : nullptr; };
-        auto position = [positionScale](double reference) {
-            return [positionScale, reference](std::uint32_t w) {
-                return static_cast<double>(static_cast<std::int32_t>(w)) * positionScale * 1e-9 + reference;
-            };
+    auto position = [positionScale](double reference) {
+        return [positionScale, reference](std::uint32_t w) {
+            return static_cast<double>(static_cast<std::int32_t>(w)) * positionScale * 1e-9 + reference;
         };
-        decodeColumn(slots(times), bytes, n, kRecordBytes, 4, [timeScale, referenceTime](std::uint32_t w) {
-            return static_cast<double>(static_cast<std::int32_t>(w)) / timeScale + referenceTime;
+    };
+    auto decode = [&](std::uint32_t i, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+        auto slots = [i](auto *array) { return array ? array + i : nullptr; };
+        fillColumn(slots(times), run, w[1], [timeScale, referenceTime](std::uint32_t u) {
+            return static_cast<double>(static_cast<std::int32_t>(u)) / timeScale + referenceTime;
         });
-        decodeColumn(slots(latitudes), bytes, n, kRecordBytes, 8, position(referenceLatitude));
-        decodeColumn(slots(longitudes), bytes, n, kRecordBytes, 12, position(referenceLongitude));
-        decodeColumn(slots(metres), bytes, n, kRecordBytes, 16,
-                     [](std::uint32_t w) { return static_cast<std::int32_t>(w) / 1000.0; });
+        fillColumn(slots(latitudes), run, w[2], position(referenceLatitude));
+        fillColumn(slots(longitudes), run, w[3], position(referenceLongitude));
+        fillColumn(slots(metres), run, w[4], [](std::uint32_t u) { return static_cast<std::int32_t>(u) / 1000.0; });
         if (statuses && edited)
-            std::copy_n(h->shadowStatus + first + i, n, statuses + i);
+            std::copy_n(h->shadowStatus + first + i, run, statuses + i);
         else
-            decodeColumn(slots(statuses), bytes, n, kRecordBytes, 0, [](std::uint32_t w) { return w; });
+            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u; });
+    };
+    return readRecordBatches(*h, *s, first, count, [&](std::uint32_t i, const unsigned char *bytes, std::uint32_t n) {
+        forEachRun<5>(bytes, n, kRecordBytes,
+                      [&](std::uint32_t done, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+                          decode(i + done, run, w);
+                      });
         return 0;
     });
 }

@@ -275,7 +275,6 @@ VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstPr
     auto beamsOf = angleProfileBeams(handle, ObservedDepthsReadProfile);
     const ProfileState *s = stateOf<ProfileState>(handle, kObservedDepths);
     auto decode = [&](const unsigned char *q, std::uint32_t n, std::uint32_t k, unsigned stride) {
-        auto slots = [k](auto *array) { return array ? array + k : nullptr; };
         if (s->geometry.countOnlyLayout) {
             std::uint32_t words[kMaxRecordWords];
             for (std::uint32_t j = 0; j < n; ++j, q += stride) {
@@ -294,14 +293,17 @@ VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstPr
         const double ping = s->profileTime;
         const std::int32_t scale = s->depthTimeScale;
         auto metres = [](std::uint32_t w) { return decodeMetres(asSigned(w)); };
-        decodeColumn(slots(times), q, n, stride, 0, [ping, scale](std::uint32_t w) {
-            return decodeDepthTime(ping, scale, static_cast<std::int16_t>(w & 0xFFFFu));
+        forEachRun<4>(q, n, stride, [&](std::uint32_t done, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+            auto slots = [k, done](auto *array) { return array ? array + k + done : nullptr; };
+            fillColumn(slots(times), run, w[0], [ping, scale](std::uint32_t u) {
+                return decodeDepthTime(ping, scale, static_cast<std::int16_t>(u & 0xFFFFu));
+            });
+            fillColumn(slots(ys), run, w[3], metres);
+            fillColumn(slots(xs), run, w[2], metres);
+            fillColumn(slots(depths), run, w[1], metres);
+            if (extras) std::fill_n(extras + k + done, run, 0.0);
+            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u & 0xFFFF0000u; });
         });
-        decodeColumn(slots(ys), q, n, stride, 12, metres);
-        decodeColumn(slots(xs), q, n, stride, 8, metres);
-        decodeColumn(slots(depths), q, n, stride, 4, metres);
-        if (extras) std::fill_n(extras + k, n, 0.0);
-        decodeColumn(slots(statuses), q, n, stride, 0, [](std::uint32_t w) { return w & 0xFFFF0000u; });
     };
     auto readable = [](std::uint32_t) { return true; };  // the range check covers it
     return readBeamBatches(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf,

@@ -308,15 +308,17 @@ VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsi
     TpeState *t = stateOf<TpeState>(handle, kTpe);
     // fillBeam's arithmetic, a field at a time.
     auto decode = [&](const unsigned char *q, std::uint32_t n, std::uint32_t k, unsigned stride) {
-        auto slots = [k](auto *array) { return array ? array + k : nullptr; };
         const double ping = t->profileTime;
         const std::int32_t scale = t->depthTimeScale;
-        decodeColumn(slots(beamTimes), q, n, stride, 0, [ping, scale](std::uint32_t w) {
-            return decodeDepthTime(ping, scale, static_cast<std::int16_t>(w & 0xFFFFu));
+        forEachRun<3>(q, n, stride, [&](std::uint32_t done, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+            auto slots = [k, done](auto *array) { return array ? array + k + done : nullptr; };
+            fillColumn(slots(beamTimes), run, w[0], [ping, scale](std::uint32_t u) {
+                return decodeDepthTime(ping, scale, static_cast<std::int16_t>(u & 0xFFFFu));
+            });
+            fillColumn(slots(errors1), run, w[1], decodeError);
+            fillColumn(slots(errors2), run, w[2], decodeError);
+            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u & 0xFFFF0000u; });
         });
-        decodeColumn(slots(errors1), q, n, stride, 4, decodeError);
-        decodeColumn(slots(errors2), q, n, stride, 8, decodeError);
-        decodeColumn(slots(statuses), q, n, stride, 0, [](std::uint32_t w) { return w & 0xFFFF0000u; });
     };
     auto readable = [t](std::uint32_t p) { return withinBeamTotal(*t, p); };
     if (!t || !cacheOn(*t))

@@ -113,11 +113,12 @@ const ProfileOps kProfileFamilies[] = {
 };
 
 // 520 profiles over two time index sets and two segments (1-300, 301-520)
-// of 0 to 3 beams; every third profile has status-0 beams, written in bulk
-// with a null status array.
+// of 0 to 3 beams, every twentieth of 1000 (so that bulk reads cross their
+// read windows within a profile); every third profile has status-0 beams,
+// written in bulk with a null status array.
 constexpr unsigned kProfiles = 520;
 constexpr unsigned kSegmentEnd = 300;
-unsigned beamsOf(unsigned p) { return p % 4; }
+unsigned beamsOf(unsigned p) { return p % 20 == 0 ? 1000 : p % 4; }
 unsigned firstBeamOf(unsigned p) { return 1 + p % 5; }
 double pingTime(unsigned p) { return 500.0 + 0.05 * p; }
 unsigned beamStatus(unsigned p, unsigned k) { return p % 3 == 0 ? 0 : ((p * 4 + k) & 0xFFFu) << 20; }
@@ -185,18 +186,28 @@ TEST_P(BulkProfiles, MatchThePerBeamPathsInBytesValuesAndCodes) {
 
     H h = openLine(f.openDir, bulk, L"query");
     ASSERT_NE(h, nullptr);
-    for (auto [first, count] : {std::pair{1u, kProfiles}, {509u, 6u}, {298u, 5u}, {kProfiles, 1u}, {4u, 1u}}) {
-        SCOPED_TRACE(first);
-        Columns headers, beams;
-        std::vector<unsigned> offsets;
-        readEach(h, first, count, headers, beams, offsets);
-        Columns gotHeaders(count), gotBeams(beams.u[0].size());
-        std::vector<unsigned> gotOffsets(count + 1, 99);
-        ASSERT_EQ(f.readProfiles(h, first, count, gotHeaders), 0);
-        EXPECT_TRUE(gotHeaders == headers);
-        ASSERT_EQ(f.readBeams(h, first, count, static_cast<unsigned>(gotBeams.u[0].size()), gotOffsets.data(), gotBeams), 0);
-        EXPECT_TRUE(gotBeams == beams);
-        EXPECT_EQ(gotOffsets, offsets);
+    {
+        // TPE's block reader (blocks of 7 profiles) must give the same.
+        CacheSizeSetting cache(f.block == 5002700 ? "7" : nullptr);
+        H cached = openLine(f.openDir, bulk, L"query");
+        ASSERT_NE(cached, nullptr);
+        for (auto [first, count] : {std::pair{1u, kProfiles}, {509u, 6u}, {298u, 5u}, {kProfiles, 1u}, {4u, 1u}}) {
+            SCOPED_TRACE(first);
+            Columns headers, beams;
+            std::vector<unsigned> offsets;
+            readEach(h, first, count, headers, beams, offsets);
+            for (H reader : {h, cached}) {
+                Columns gotHeaders(count), gotBeams(beams.u[0].size());
+                std::vector<unsigned> gotOffsets(count + 1, 99);
+                ASSERT_EQ(f.readProfiles(reader, first, count, gotHeaders), 0);
+                EXPECT_TRUE(gotHeaders == headers);
+                const auto capacity = static_cast<unsigned>(gotBeams.u[0].size());
+                ASSERT_EQ(f.readBeams(reader, first, count, capacity, gotOffsets.data(), gotBeams), 0);
+                EXPECT_TRUE(gotBeams == beams);
+                EXPECT_EQ(gotOffsets, offsets);
+            }
+        }
+        EXPECT_EQ(f.close(cached), 0);
     }
     // Nothing read leaves the arrays as they were: no profiles, a range past
     // the end, more beams than the arrays hold.
