@@ -1,5 +1,5 @@
 // The read-ahead block reader of the profile families.
-#include <velmio/block_reader.hpp>
+#include "datafile/block_reader.h"
 
 #include "linestore/sensor.h"
 #include "platform/file_io.h"
@@ -219,12 +219,20 @@ VELMIO_API int readRecordSeq(VELMBlockReader *handle) {
     return readRecord(handle, handle->lastRequested + 1);
 }
 
-VELMIO_API int BlockIOFread(VELMBlockReader *handle, void *destination, unsigned int byteCount) {
-    if (!handle || handle->cacheSize == 0 || !destination) return 0;
+const unsigned char *velmio::takeBlockBytes(VELMBlockReader *handle, unsigned int byteCount) {
+    if (!handle || handle->cacheSize == 0) return nullptr;
     VELMBlockReader &r = *handle;
-    if (std::uint64_t{r.position} + byteCount > currentLength(r)) return 0;
-    std::memcpy(destination, r.block + r.offsets[r.slot] + r.position, byteCount);
+    if (std::uint64_t{r.position} + byteCount > currentLength(r)) return nullptr;
+    const char *bytes = r.block + r.offsets[r.slot] + r.position;
     r.position += byteCount;
+    return reinterpret_cast<const unsigned char *>(bytes);
+}
+
+VELMIO_API int BlockIOFread(VELMBlockReader *handle, void *destination, unsigned int byteCount) {
+    if (!destination) return 0;
+    const unsigned char *bytes = velmio::takeBlockBytes(handle, byteCount);
+    if (!bytes) return 0;
+    std::memcpy(destination, bytes, byteCount);
     return 1;
 }
 

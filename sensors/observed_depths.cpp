@@ -3,9 +3,11 @@
 #include <velmio/linestore.h>
 #include <velmio/observed_depths.h>
 
+#include "sensors/column_decode.h"
 #include "sensors/profile_bulk.h"
 #include "sensors/profile_cursor.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <new>
 
@@ -210,18 +212,40 @@ VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstPr
                                        unsigned int *statuses) {
     auto beamsOf = angleProfileBeams(handle, ObservedDepthsReadProfile);
     const ProfileState *s = stateOf<ProfileState>(handle, kObservedDepths);
-    auto decode = [&](const std::uint32_t *words, std::uint32_t k) {
-        const Beam b = decodeBeam(*s, words);
-        if (times) times[k] = b.time;
-        if (ys) ys[k] = b.y;
-        if (xs) xs[k] = b.x;
-        if (depths) depths[k] = b.depth;
-        if (extras) extras[k] = b.extra;
-        if (statuses) statuses[k] = b.status;
+    auto decode = [&](const unsigned char *q, std::uint32_t n, std::uint32_t k, unsigned stride) {
+        if (s->geometry.countOnlyLayout) {
+            std::uint32_t words[kMaxRecordWords];
+            for (std::uint32_t j = 0; j < n; ++j, q += stride) {
+                for (unsigned w = 0; w < stride / 4; ++w) words[w] = loadBe32(q + 4 * w);
+                const Beam b = decodeBeam(*s, words);
+                if (times) times[k + j] = b.time;
+                if (ys) ys[k + j] = b.y;
+                if (xs) xs[k + j] = b.x;
+                if (depths) depths[k + j] = b.depth;
+                if (extras) extras[k + j] = b.extra;
+                if (statuses) statuses[k + j] = b.status;
+            }
+            return;
+        }
+        // decodeBeam's arithmetic, a field at a time.
+        const double ping = s->profileTime;
+        const std::int32_t scale = s->depthTimeScale;
+        auto metres = [](std::uint32_t w) { return decodeMetres(asSigned(w)); };
+        forEachRun<4>(q, n, stride, [&](std::uint32_t done, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+            auto slots = [k, done](auto *array) { return array ? array + k + done : nullptr; };
+            fillColumn(slots(times), run, w[0], [ping, scale](std::uint32_t u) {
+                return decodeDepthTime(ping, scale, static_cast<std::int16_t>(u & 0xFFFFu));
+            });
+            fillColumn(slots(ys), run, w[3], metres);
+            fillColumn(slots(xs), run, w[2], metres);
+            fillColumn(slots(depths), run, w[1], metres);
+            if (extras) std::fill_n(extras + k + done, run, 0.0);
+            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u & 0xFFFF0000u; });
+        });
     };
     auto readable = [](std::uint32_t) { return true; };  // the range check covers it
-    return readBeamsInPlace(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf,
-                            readable, decode);
+    return readBeamBatches(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf,
+                           readable, decode);
 }
 
 VELMIO_API int ObservedDepthsBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams,

@@ -252,6 +252,8 @@ int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decod
     if (h.timeIndex.map(profile, offset) != 0) return f.code(kNotMapped);
     if (const int rc = seekData(h, s, offset, kSeekFailed)) return rc;
     if (ahead) s.readAhead = std::min(ahead, kWindowBytes);
+    if (s.bulkEnd > offset)
+        s.readAhead = static_cast<std::size_t>(std::min<std::uint64_t>(kBulkWindowBytes, s.bulkEnd - offset));
     std::uint32_t words[kMaxRecordWords];
     if (const int rc = readRecord(h, s, s.geometry.headerBytes, words)) return rc;
     ProfileHeader header;

@@ -100,6 +100,9 @@ public:
     // one small positioned read; reads that follow refill 64 KiB at a time.
     std::uint64_t position = 0;
     std::size_t readAhead = kWindowBytes;
+    // Set while a bulk read walks its range: where the range's bytes end,
+    // so that headers are read with the bytes behind them in large windows.
+    std::uint64_t bulkEnd = 0;
 };
 
 // The family's state on a handle after the entry checks in the family's
