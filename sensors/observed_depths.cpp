@@ -319,9 +319,21 @@ VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y
 VELMIO_API int ObservedDepthsSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *times,
                                            const double *ys, const double *xs, const double *depths,
                                            const unsigned int *statuses) {
-    return writeBeams(handle, kObservedDepths, count, times && ys && xs && depths, [&](std::uint32_t i) {
-        return ObservedDepthsSeqWrite(handle, times[i], ys[i], xs[i], depths[i], 0.0, 0.0, statuses ? statuses[i] : 0);
-    });
+    return appendBeams(
+        handle, kObservedDepths, count, times && ys && xs && depths,
+        [&](ProfileState &s, std::uint32_t i, unsigned char *bytes) {
+            storeBe32(bytes, statusAndOffset(s, times[i], statuses ? statuses[i] : 0));
+            storeBe32(bytes + 4, asWord(encodeMetres(depths[i])));
+            storeBe32(bytes + 8, asWord(encodeMetres(xs[i])));
+            storeBe32(bytes + 12, asWord(encodeMetres(ys[i])));
+            handle->extents[kDepth].widen(depths[i]);
+            if (s.currentSegment) s.currentSegment->extents[kDepth].widen(depths[i]);
+            return times[i];
+        },
+        [&](std::uint32_t i) {
+            return ObservedDepthsSeqWrite(handle, times[i], ys[i], xs[i], depths[i], 0.0, 0.0,
+                                          statuses ? statuses[i] : 0);
+        });
 }
 
 VELMIO_API int ObservedDepthsEndSeqWriteProfile(TOVO_Sensor *handle) {

@@ -85,10 +85,6 @@ int closeProfileSensor(TOVO_Sensor *h, const ProfileFamily &f, bool saveDirtySta
     return closeEngine(h, *s, saveDirtyStatus && s->statusDirty);
 }
 
-std::uint32_t statusAndOffset(const ProfileState &s, double time, std::uint32_t status) {
-    const int offset = TOVO_EncodeDepthTime(time, s.profileTime, s.depthTimeScale);
-    return (asWord(offset) & 0xFFFFu) | status;
-}
 
 
 int beginProfile(TOVO_Sensor &h, ProfileState &s, std::uint32_t beams, std::uint32_t firstBeam, double time,
