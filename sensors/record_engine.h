@@ -146,6 +146,11 @@ inline bool isUpdate(const TOVO_Sensor &h) { return h.accessMode == 3; }
 // The arithmetic of TOVO_DecodeMeters and TOVO_DecodeDepthTime inline, for
 // the record loops: the same operations give the same values.
 inline double decodeMetres(std::int32_t unit) { return unit / 1000.0; }
+// TOVO_EncodeTime against the handle's references, inline for the record
+// writers: the same operations in the same order give the same units.
+inline std::int32_t encodeTime(const TOVO_Sensor &h, double time) {
+    return nint((time - h.referenceTime * 60.0) * h.timeScale);
+}
 // TOVO_EncodeMeters inline, for the record writers: the same clamps and rounding.
 inline std::int32_t encodeMetres(double metres) {
     return metres > 2000000.0 ? 2147483647 : metres < -2000000.0 ? -2147483647 - 1 : nint(metres * 1000.0);

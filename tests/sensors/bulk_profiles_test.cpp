@@ -153,6 +153,12 @@ protected:
             const double *v[kValues] = {columns[0].data(), columns[1].data(), columns[2].data(), columns[3].data(),
                                         columns[4].data()};
             if (bulk) { ASSERT_EQ(f.seqWriteBeams(h, beamsOf(p), v, p % 3 == 0 ? nullptr : statuses.data()), 0); }
+            if (p == 7) {
+                // A beam beyond those declared is refused and writes nothing.
+                double extra[kValues];
+                beamValues(p, 0, extra);
+                EXPECT_EQ(bulk ? f.seqWriteBeams(h, 1, v, nullptr) : f.seqWrite(h, extra, 0), f.block + 19);
+            }
             ASSERT_EQ(f.endProfile(h), 0);
             if (p == kSegmentEnd || p == kProfiles) { ASSERT_EQ(f.endSegment(h, p), 0); }
         }
