@@ -308,8 +308,8 @@ VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y
                                       double /*reserved1*/, double /*reserved2*/, unsigned int status) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    const std::uint32_t words[4] = {statusAndOffset(*s, time, status), asWord(TOVO_EncodeMeters(depth)),
-                                    asWord(TOVO_EncodeMeters(x)), asWord(TOVO_EncodeMeters(y))};
+    const std::uint32_t words[4] = {statusAndOffset(*s, time, status), asWord(encodeMetres(depth)),
+                                    asWord(encodeMetres(x)), asWord(encodeMetres(y))};
     if (const int rc = writeBeam(*handle, *s, words, time)) return rc;
     handle->extents[kDepth].widen(depth);
     if (s->currentSegment) s->currentSegment->extents[kDepth].widen(depth);
@@ -319,6 +319,7 @@ VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y
 VELMIO_API int ObservedDepthsSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *times,
                                            const double *ys, const double *xs, const double *depths,
                                            const unsigned int *statuses) {
+    Extent depthRange;
     return appendBeams(
         handle, kObservedDepths, count, times && ys && xs && depths,
         [&](ProfileState &s, std::uint32_t i, unsigned char *bytes) {
@@ -326,9 +327,12 @@ VELMIO_API int ObservedDepthsSeqWriteBeams(TOVO_Sensor *handle, unsigned int cou
             storeBe32(bytes + 4, asWord(encodeMetres(depths[i])));
             storeBe32(bytes + 8, asWord(encodeMetres(xs[i])));
             storeBe32(bytes + 12, asWord(encodeMetres(ys[i])));
-            handle->extents[kDepth].widen(depths[i]);
-            if (s.currentSegment) s.currentSegment->extents[kDepth].widen(depths[i]);
+            depthRange.widen(depths[i]);
             return times[i];
+        },
+        [&](ProfileState &s) {
+            handle->extents[kDepth].widen(depthRange);
+            if (s.currentSegment) s.currentSegment->extents[kDepth].widen(depthRange);
         },
         [&](std::uint32_t i) {
             return ObservedDepthsSeqWrite(handle, times[i], ys[i], xs[i], depths[i], 0.0, 0.0,

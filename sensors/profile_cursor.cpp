@@ -123,10 +123,12 @@ int writeBeam(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words, doubl
     // Readers find beams by the header's count: more beams than declared
     // would be read as the next profile's header.
     if (!s.profileOpen || s.beamsWritten >= s.beamsDeclared) return f.code(kOutOfRange);
-    storeWords(s.record, words, f.geometry.itemBytes / 4);
     ++s.beamsWritten;
     s.repositionNeeded = 1;
-    if (!s.appender.append(s.record, f.geometry.itemBytes)) return f.code(kWriteFailed);
+    unsigned char *bytes = s.appender.room(f.geometry.itemBytes);
+    if (!bytes) return f.code(kWriteFailed);
+    storeWords(bytes, words, f.geometry.itemBytes / 4);
+    s.appender.commit(f.geometry.itemBytes);
     h.extents[0].widen(time);
     if (s.currentSegment) s.currentSegment->extents[0].widen(time);
     return 0;

@@ -126,12 +126,14 @@ int endProfile(TOVO_Sensor &h, ProfileState &s);
 // The bulk form of writeBeam for SeqWriteBeams: enters like the family's
 // other create-mode calls, then encodes beams 0 .. count - 1 straight into
 // the append buffer a buffer's worth at a time. encode(s, i, bytes) stores
-// beam i, widens the family's own extents and returns the beam's time. A beam
+// beam i, widens the family's own extents in locals and returns the beam's
+// time; widen(s) widens the handle's by those locals after each batch (a
+// char store could alias the handle: its extents stay out of the loop). A beam
 // the batch cannot take (a failing flush, more beams than declared) goes
 // through writeOne(i), the per-beam write, so that codes are the same.
-template <class Encode, class WriteOne>
+template <class Encode, class Widen, class WriteOne>
 int appendBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, bool inputsPresent, Encode encode,
-                WriteOne writeOne) {
+                Widen widen, WriteOne writeOne) {
     ProfileState *s = nullptr;
     if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
     if (count == 0) return 0;
@@ -154,6 +156,7 @@ int appendBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, boo
         s->repositionNeeded = 1;
         h->extents[0].widen(times);
         if (s->currentSegment) s->currentSegment->extents[0].widen(times);
+        widen(*s);
         i += batch;
     }
     return i < count ? writeOne(i) : 0;

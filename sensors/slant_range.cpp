@@ -259,6 +259,7 @@ VELMIO_API int SLRangeSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, con
             storeBe32(bytes + 12, packAngles(beamAngles1[i], beamAngles2[i]));
             return beamTimes[i];
         },
+        [](ProfileState &) {},
         [&](std::uint32_t i) {
             return SLRangeSeqWrite(handle, beamTimes[i], ranges[i], values[i], beamAngles1[i], beamAngles2[i],
                                    statuses ? statuses[i] : 0);
