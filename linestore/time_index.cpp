@@ -192,7 +192,10 @@ int TimeIndex::map(std::uint32_t recordNumber, std::uint32_t &byteOffset) const 
 }
 
 int TimeIndex::writeTo(std::FILE *file, std::uint32_t typeId, std::uint32_t formatVersion) {
-    // The header and set headers in one write, then each set's array in one.
+    // The header and set headers in one write, then the sets' arrays
+    // gathered a megabyte at a time: a long line has tens of thousands of
+    // sets, and a write per set made its close syscall-bound.
+    constexpr std::size_t kChunk = 1 << 20;
     std::vector<unsigned char> out;
     auto put = [&out](std::uint32_t word) {
         const std::size_t at = out.size();
@@ -212,18 +215,19 @@ int TimeIndex::writeTo(std::FILE *file, std::uint32_t typeId, std::uint32_t form
             put(static_cast<std::uint32_t>(s->maxTime));
         }
         if (!emit()) return kTmIdxWriteFailed;
+        out.reserve(kChunk);
         for (_TOVO_TmIdxSet *s = first_; s; s = s->next) {
-            // Sized once and stored in place: a word-by-word resize was most
-            // of the cost of closing a long line.
-            out.resize(4 + std::size_t{s->count} * 8);
-            unsigned char *p = out.data();
+            // Sized once per set and stored in place.
+            const std::size_t at = out.size();
+            out.resize(at + 4 + std::size_t{s->count} * 8);
+            unsigned char *p = out.data() + at;
             storeBe32(p, s->count);
             p += 4;
             for (std::uint32_t i = 0; i < s->count; ++i, p += 8) {
                 storeBe32(p, static_cast<std::uint32_t>(s->entries[i].encodedTime));
                 storeBe32(p + 4, s->entries[i].byteOffset);
             }
-            if (!emit()) return kTmIdxWriteFailed;
+            if ((out.size() >= kChunk || !s->next) && !emit()) return kTmIdxWriteFailed;
         }
     } catch (const std::bad_alloc &) {
         return kTmIdxWriteFailed;

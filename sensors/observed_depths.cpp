@@ -262,8 +262,8 @@ VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y
                                       double /*reserved1*/, double /*reserved2*/, unsigned int status) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    const std::uint32_t words[4] = {statusAndOffset(*s, time, status), asWord(TOVO_EncodeMeters(depth)),
-                                    asWord(TOVO_EncodeMeters(x)), asWord(TOVO_EncodeMeters(y))};
+    const std::uint32_t words[4] = {statusAndOffset(*s, time, status), asWord(encodeMetres(depth)),
+                                    asWord(encodeMetres(x)), asWord(encodeMetres(y))};
     if (const int rc = writeBeam(*handle, *s, words, time)) return rc;
     handle->extents[kDepth].widen(depth);
     if (s->currentSegment) s->currentSegment->extents[kDepth].widen(depth);
@@ -273,9 +273,25 @@ VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y
 VELMIO_API int ObservedDepthsSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *times,
                                            const double *ys, const double *xs, const double *depths,
                                            const unsigned int *statuses) {
-    return writeBeams(handle, kObservedDepths, count, times && ys && xs && depths, [&](std::uint32_t i) {
-        return ObservedDepthsSeqWrite(handle, times[i], ys[i], xs[i], depths[i], 0.0, 0.0, statuses ? statuses[i] : 0);
-    });
+    Extent depthRange;
+    return appendBeams(
+        handle, kObservedDepths, count, times && ys && xs && depths,
+        [&](ProfileState &s, std::uint32_t i, unsigned char *bytes) {
+            storeBe32(bytes, statusAndOffset(s, times[i], statuses ? statuses[i] : 0));
+            storeBe32(bytes + 4, asWord(encodeMetres(depths[i])));
+            storeBe32(bytes + 8, asWord(encodeMetres(xs[i])));
+            storeBe32(bytes + 12, asWord(encodeMetres(ys[i])));
+            depthRange.widen(depths[i]);
+            return times[i];
+        },
+        [&](ProfileState &s) {
+            handle->extents[kDepth].widen(depthRange);
+            if (s.currentSegment) s.currentSegment->extents[kDepth].widen(depthRange);
+        },
+        [&](std::uint32_t i) {
+            return ObservedDepthsSeqWrite(handle, times[i], ys[i], xs[i], depths[i], 0.0, 0.0,
+                                          statuses ? statuses[i] : 0);
+        });
 }
 
 VELMIO_API int ObservedDepthsUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,

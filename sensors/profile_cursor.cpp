@@ -89,10 +89,6 @@ int closeProfileSensor(TOVO_Sensor *h, const ProfileFamily &f, bool saveDirtySta
     return closeEngine(h, *s, saveDirtyStatus && s->statusDirty);
 }
 
-std::uint32_t statusAndOffset(const ProfileState &s, double time, std::uint32_t status) {
-    const int offset = TOVO_EncodeDepthTime(time, s.profileTime, s.depthTimeScale);
-    return (asWord(offset) & 0xFFFFu) | status;
-}
 
 
 int beginProfile(TOVO_Sensor &h, ProfileState &s, std::uint32_t beams, std::uint32_t firstBeam, double time,
@@ -131,10 +127,12 @@ int writeBeam(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words, doubl
     // Readers find beams by the header's count: more beams than declared
     // would be read as the next profile's header.
     if (!s.profileOpen || s.beamsWritten >= s.beamsDeclared) return f.code(kOutOfRange);
-    storeWords(s.record, words, f.geometry.itemBytes / 4);
     ++s.beamsWritten;
     s.repositionNeeded = 1;
-    if (!s.appender.append(s.record, f.geometry.itemBytes)) return f.code(kWriteFailed);
+    unsigned char *bytes = s.appender.room(f.geometry.itemBytes);
+    if (!bytes) return f.code(kWriteFailed);
+    storeWords(bytes, words, f.geometry.itemBytes / 4);
+    s.appender.commit(f.geometry.itemBytes);
     h.extents[0].widen(time);
     if (s.currentSegment) s.currentSegment->extents[0].widen(time);
     return 0;

@@ -342,9 +342,24 @@ VELMIO_API int TPESeqWrite(TOVO_Sensor *handle, double beamTime, double error1, 
 
 VELMIO_API int TPESeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *beamTimes,
                                 const double *errors1, const double *errors2, const unsigned int *statuses) {
-    return writeBeams(handle, kTpe, count, beamTimes && errors1 && errors2, [&](std::uint32_t i) {
-        return TPESeqWrite(handle, beamTimes[i], errors1[i], errors2[i], statuses ? statuses[i] : 0);
-    });
+    Extent range1, range2;
+    return appendBeams(
+        handle, kTpe, count, beamTimes && errors1 && errors2,
+        [&](ProfileState &s, std::uint32_t i, unsigned char *bytes) {
+            storeBe32(bytes, statusAndOffset(s, beamTimes[i], statuses ? statuses[i] : 0));
+            storeBe32(bytes + 4, encodeError(errors1[i]));
+            storeBe32(bytes + 8, encodeError(errors2[i]));
+            range1.widen(errors1[i]);
+            range2.widen(errors2[i]);
+            return beamTimes[i];
+        },
+        [&](ProfileState &) {
+            handle->extents[kError1].widen(range1);
+            handle->extents[kError2].widen(range2);
+        },
+        [&](std::uint32_t i) {
+            return TPESeqWrite(handle, beamTimes[i], errors1[i], errors2[i], statuses ? statuses[i] : 0);
+        });
 }
 
 VELMIO_API int TPESetToolType(TOVO_Sensor *handle, unsigned int toolType1, unsigned int toolType2) {
