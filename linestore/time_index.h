@@ -68,7 +68,7 @@ public:
     // 5000037 beyond the last entry. Prints nothing.
     int map(std::uint32_t recordNumber, std::uint32_t &byteOffset) const;
     // The entry of record n, or null.
-    const TOVO_TmIdxEntry *entry(std::uint32_t recordNumber) const;
+    const TOVO_TmIdxEntry *entry(std::uint32_t recordNumber);
 
     // The file form: "TOVO", type, 3, format version, set count, capacity,
     // the 12-byte set headers, then each set's entries as an XDR array.
@@ -89,8 +89,14 @@ public:
     std::uint32_t capacity() const { return capacity_; }
     void setCapacity(std::uint32_t c) { capacity_ = c; }
     std::uint32_t entryCount() const { return entryCount_; }
-    _TOVO_TmIdxSet *first() const { return first_; }
-    _TOVO_TmIdxSet *last() const { return last_; }
+    _TOVO_TmIdxSet *first() {
+        materialise();
+        return first_;
+    }
+    _TOVO_TmIdxSet *last() {
+        materialise();
+        return last_;
+    }
 
     // Where read() and readFrom() take their bytes: up to n bytes, the count
     // read (fewer only at the end), or -1.
@@ -100,6 +106,21 @@ public:
     };
 
 private:
+    // read() keeps the file's bytes as they are and maps from them; the set
+    // chain is built from them only when something asks for the sets.
+    struct Image {
+        unsigned char *bytes = nullptr;  // the whole file
+        std::size_t size = 0;
+        std::size_t arrays = 0;             // where the first set's array begins
+        std::vector<std::size_t> arrayAt;  // each set's array, when the sets are not uniform
+    };
+    int readWhole(int fd, std::uint32_t typeId);
+    bool adoptImage(unsigned char *bytes, std::size_t size, std::uint32_t sets, std::uint32_t capacity);
+    void materialise();
+    void dropImage();
+    const unsigned char *imageEntry(std::uint32_t index) const;
+    const TOVO_TmIdxEntry *chainEntry(std::uint32_t recordNumber) const;
+
     _TOVO_TmIdxSet *allocSet(std::uint32_t room);
     // The file form after its header words, each set's entries taken with
     // one read; remaining is what the file holds behind the header.
@@ -116,6 +137,7 @@ private:
     std::vector<std::uint32_t> rooms_;  // entries each set has room for
     std::uint32_t entryCount_ = 0;
     bool uniform_ = true;  // every set but the last holds exactly 512 entries
+    Image image_;
 };
 
 }  // namespace velmio
