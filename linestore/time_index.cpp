@@ -397,6 +397,15 @@ int TimeIndex::readFrom(std::FILE *file, std::uint32_t typeId) {
 int TimeIndex::readBytes(const unsigned char *bytes, std::size_t size, std::uint32_t typeId) {
     std::uint32_t sets = 0, capacity = 0;
     if (!bytes || size < kHeaderBytes || !parseHeader(bytes, typeId, sets, capacity)) return kTmIdxInvalid;
+    // Copied once and mapped from, as a file read from the disk; what the
+    // checks refuse goes through the chain for its code.
+    if (!first_ && !image_.bytes) {
+        if (unsigned char *copy = platform::allocLargeBuffer(size)) {
+            std::memcpy(copy, bytes, size);
+            if (adoptImage(copy, size, sets, capacity)) return 0;
+            platform::freeLargeBuffer(copy);
+        }
+    }
     MemoryReader in(bytes + kHeaderBytes, size - kHeaderBytes);
     return readBody(in, sets, capacity, static_cast<std::int64_t>(size - kHeaderBytes));
 }

@@ -2,7 +2,9 @@
 // file, with each record's encoded time. Kept as a chain of fixed-capacity
 // entry sets (appending never moves entries; one allocation serves 512
 // records) plus a directory of the sets, so that mapping a record number
-// costs the same at record 10 and at record 10,000,000.
+// costs the same at record 10 and at record 10,000,000. An index read from
+// its file maps from the file's bytes; the chain is built from them only for
+// callers that walk or extend the sets (first(), last(), entry(), appends).
 #ifndef VELMIO_LINESTORE_TIME_INDEX_H
 #define VELMIO_LINESTORE_TIME_INDEX_H
 
@@ -78,7 +80,8 @@ public:
     // read() into an empty index: 0, 5000038, 5000039 (header mismatch, short
     // or inconsistent data), 5000009, 5000026. Counts are checked against the
     // file size before anything is allocated. On failure the sets read so far
-    // stay on the chain (clear() or the destructor releases them).
+    // stay on the chain (clear() or the destructor releases them). The file
+    // comes in one read where memory allows.
     int read(const wchar_t *path, std::uint32_t typeId);
     int readFrom(std::FILE *file, std::uint32_t typeId);
     // The same from the file's bytes in memory (an in-memory line): 0,
