@@ -1,6 +1,7 @@
 // The read-ahead block reader of the profile families.
 #include <velmio/block_reader.hpp>
 
+#include "linestore/byte_source.h"
 #include "linestore/sensor.h"
 #include "platform/file_io.h"
 #include "platform/files.h"
@@ -184,8 +185,10 @@ VELMIO_API int readRecord(VELMBlockReader *handle, unsigned int recordNumber) {
     // their own positions.
     r.length = 0;
     if (blockLength > 0) {
-        const std::int64_t got =
-            velmio::platform::readAt(fileno(r.sensor->dataFile), r.block, static_cast<std::size_t>(blockLength), start);
+        const std::size_t n = static_cast<std::size_t>(blockLength);
+        const TOVO_Sensor &h = *r.sensor;
+        const std::int64_t got = h.dataSource ? h.dataSource->readAt(start, r.block, n)
+                                              : velmio::platform::readAt(fileno(h.dataFile), r.block, n, start);
         r.length = got > 0 ? static_cast<std::size_t>(got) : 0;
     }
     r.slot = 0;
