@@ -1,6 +1,7 @@
 // The read-ahead block reader of the profile families.
 #include "datafile/block_reader.h"
 
+#include "linestore/byte_source.h"
 #include "linestore/sensor.h"
 #include "platform/file_io.h"
 #include "platform/files.h"
@@ -70,8 +71,11 @@ void load(VELMBlockReader &r, std::uint32_t slot, bool toBlockEnd) {
     std::uint64_t got = 0;
     if (to > from) {
         // The profile reads that share the descriptor keep their own positions.
-        const std::int64_t n = velmio::platform::readAt(fileno(r.sensor->dataFile), r.block + from,
-                                                        static_cast<std::size_t>(to - from), r.blockStart + from);
+        const TOVO_Sensor &h = *r.sensor;
+        const std::size_t want = static_cast<std::size_t>(to - from);
+        const std::int64_t n = h.dataSource ? h.dataSource->readAt(r.blockStart + from, r.block + from, want)
+                                            : velmio::platform::readAt(fileno(h.dataFile), r.block + from, want,
+                                                                       r.blockStart + from);
         got = n > 0 ? static_cast<std::uint64_t>(n) : 0;
     }
     for (std::uint32_t i = slot; i < end; ++i) {
