@@ -3,9 +3,11 @@
 #include <velmio/linestore.h>
 #include <velmio/observed_depths.h>
 
+#include "sensors/column_decode.h"
 #include "sensors/profile_bulk.h"
 #include "sensors/profile_cursor.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <new>
 
@@ -210,18 +212,40 @@ VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstPr
                                        unsigned int *statuses) {
     auto beamsOf = angleProfileBeams(handle, ObservedDepthsReadProfile);
     const ProfileState *s = stateOf<ProfileState>(handle, kObservedDepths);
-    auto decode = [&](const std::uint32_t *words, std::uint32_t k) {
-        const Beam b = decodeBeam(*s, words);
-        if (times) times[k] = b.time;
-        if (ys) ys[k] = b.y;
-        if (xs) xs[k] = b.x;
-        if (depths) depths[k] = b.depth;
-        if (extras) extras[k] = b.extra;
-        if (statuses) statuses[k] = b.status;
+    auto decode = [&](const unsigned char *q, std::uint32_t n, std::uint32_t k, unsigned stride) {
+        if (s->geometry.countOnlyLayout) {
+            std::uint32_t words[kMaxRecordWords];
+            for (std::uint32_t j = 0; j < n; ++j, q += stride) {
+                for (unsigned w = 0; w < stride / 4; ++w) words[w] = loadBe32(q + 4 * w);
+                const Beam b = decodeBeam(*s, words);
+                if (times) times[k + j] = b.time;
+                if (ys) ys[k + j] = b.y;
+                if (xs) xs[k + j] = b.x;
+                if (depths) depths[k + j] = b.depth;
+                if (extras) extras[k + j] = b.extra;
+                if (statuses) statuses[k + j] = b.status;
+            }
+            return;
+        }
+        // decodeBeam's arithmetic, a field at a time.
+        const double ping = s->profileTime;
+        const std::int32_t scale = s->depthTimeScale;
+        auto metres = [](std::uint32_t w) { return decodeMetres(asSigned(w)); };
+        forEachRun<4>(q, n, stride, [&](std::uint32_t done, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+            auto slots = [k, done](auto *array) { return array ? array + k + done : nullptr; };
+            fillColumn(slots(times), run, w[0], [ping, scale](std::uint32_t u) {
+                return decodeDepthTime(ping, scale, static_cast<std::int16_t>(u & 0xFFFFu));
+            });
+            fillColumn(slots(ys), run, w[3], metres);
+            fillColumn(slots(xs), run, w[2], metres);
+            fillColumn(slots(depths), run, w[1], metres);
+            if (extras) std::fill_n(extras + k + done, run, 0.0);
+            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u & 0xFFFF0000u; });
+        });
     };
     auto readable = [](std::uint32_t) { return true; };  // the range check covers it
-    return readBeamsInPlace(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf,
-                            readable, decode);
+    return readBeamBatches(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf,
+                           readable, decode);
 }
 
 VELMIO_API int ObservedDepthsBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams,
@@ -238,8 +262,8 @@ VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y
                                       double /*reserved1*/, double /*reserved2*/, unsigned int status) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    const std::uint32_t words[4] = {statusAndOffset(*s, time, status), asWord(TOVO_EncodeMeters(depth)),
-                                    asWord(TOVO_EncodeMeters(x)), asWord(TOVO_EncodeMeters(y))};
+    const std::uint32_t words[4] = {statusAndOffset(*s, time, status), asWord(encodeMetres(depth)),
+                                    asWord(encodeMetres(x)), asWord(encodeMetres(y))};
     if (const int rc = writeBeam(*handle, *s, words, time)) return rc;
     handle->extents[kDepth].widen(depth);
     if (s->currentSegment) s->currentSegment->extents[kDepth].widen(depth);
@@ -249,9 +273,25 @@ VELMIO_API int ObservedDepthsSeqWrite(TOVO_Sensor *handle, double time, double y
 VELMIO_API int ObservedDepthsSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *times,
                                            const double *ys, const double *xs, const double *depths,
                                            const unsigned int *statuses) {
-    return writeBeams(handle, kObservedDepths, count, times && ys && xs && depths, [&](std::uint32_t i) {
-        return ObservedDepthsSeqWrite(handle, times[i], ys[i], xs[i], depths[i], 0.0, 0.0, statuses ? statuses[i] : 0);
-    });
+    Extent depthRange;
+    return appendBeams(
+        handle, kObservedDepths, count, times && ys && xs && depths,
+        [&](ProfileState &s, std::uint32_t i, unsigned char *bytes) {
+            storeBe32(bytes, statusAndOffset(s, times[i], statuses ? statuses[i] : 0));
+            storeBe32(bytes + 4, asWord(encodeMetres(depths[i])));
+            storeBe32(bytes + 8, asWord(encodeMetres(xs[i])));
+            storeBe32(bytes + 12, asWord(encodeMetres(ys[i])));
+            depthRange.widen(depths[i]);
+            return times[i];
+        },
+        [&](ProfileState &s) {
+            handle->extents[kDepth].widen(depthRange);
+            if (s.currentSegment) s.currentSegment->extents[kDepth].widen(depthRange);
+        },
+        [&](std::uint32_t i) {
+            return ObservedDepthsSeqWrite(handle, times[i], ys[i], xs[i], depths[i], 0.0, 0.0,
+                                          statuses ? statuses[i] : 0);
+        });
 }
 
 VELMIO_API int ObservedDepthsUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,

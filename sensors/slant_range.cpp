@@ -193,10 +193,20 @@ VELMIO_API int SLRangeSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, con
                                     const double *ranges, const double *values, const double *beamAngles1,
                                     const double *beamAngles2, const unsigned int *statuses) {
     const bool present = beamTimes && ranges && values && beamAngles1 && beamAngles2;
-    return writeBeams(handle, kSlantRange, count, present, [&](std::uint32_t i) {
-        return SLRangeSeqWrite(handle, beamTimes[i], ranges[i], values[i], beamAngles1[i], beamAngles2[i],
-                               statuses ? statuses[i] : 0);
-    });
+    return appendBeams(
+        handle, kSlantRange, count, present,
+        [&](ProfileState &s, std::uint32_t i, unsigned char *bytes) {
+            storeBe32(bytes, statusAndOffset(s, beamTimes[i], statuses ? statuses[i] : 0));
+            storeBe32(bytes + 4, asWord(encodeMetres(ranges[i])));
+            storeBe32(bytes + 8, asWord(truncToInt32(values[i] * 1000000.0)));
+            storeBe32(bytes + 12, packAngles(beamAngles1[i], beamAngles2[i]));
+            return beamTimes[i];
+        },
+        [](ProfileState &) {},
+        [&](std::uint32_t i) {
+            return SLRangeSeqWrite(handle, beamTimes[i], ranges[i], values[i], beamAngles1[i], beamAngles2[i],
+                                   statuses ? statuses[i] : 0);
+        });
 }
 
 VELMIO_API int SLRangeUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,

@@ -11,10 +11,11 @@ namespace velmio::test {
 namespace {
 
 // 520 profiles over two time index sets and two segments (1-300, 301-520)
-// of 0 to 3 beams.
+// of 0 to 3 beams, every twentieth of 1000 (so that bulk reads cross their
+// read windows within a profile).
 constexpr unsigned kBulkProfiles = 520;
 constexpr unsigned kSegmentEnd = 300;
-Layout bulkLayout(unsigned p) { return {p % 4, 1 + p % 5}; }
+Layout bulkLayout(unsigned p) { return {p % 20 == 0 ? 1000 : p % 4, 1 + p % 5}; }
 unsigned totalBeams(unsigned first, unsigned count) {
     unsigned n = 0;
     for (unsigned p = first; p < first + count; ++p) n += bulkLayout(p).count;
@@ -58,19 +59,29 @@ TEST_P(BulkProfiles, MatchThePerBeamPathsInBytesValuesAndCodes) {
 
     H h = f.open(bulk.wpath(), L"query");
     ASSERT_NE(h, nullptr);
-    for (auto [first, count] : {std::pair{1u, kBulkProfiles}, {509u, 6u}, {298u, 5u}, {kBulkProfiles, 1u}, {4u, 1u}}) {
-        SCOPED_TRACE(first);
-        std::vector<Reading> headers, beams;
-        std::vector<unsigned> offsets;
-        readEach(f, h, first, count, headers, beams, offsets);
-        std::vector<Reading> gotHeaders(count), gotBeams(beams.size());
-        std::vector<unsigned> gotOffsets(count + 1, 99);
-        ASSERT_EQ(f.readProfiles(h, first, count, gotHeaders.data()), 0);
-        EXPECT_EQ(gotHeaders, headers);
-        ASSERT_EQ(f.readBeams(h, first, count, static_cast<unsigned>(beams.size()), gotOffsets.data(), gotBeams.data()),
-                  0);
-        EXPECT_EQ(gotBeams, beams);
-        EXPECT_EQ(gotOffsets, offsets);
+    {
+        // TPE's block reader (blocks of 7 profiles) must give the same.
+        CacheSizeSetting cache(f.block == 5002700 ? "7" : nullptr);
+        H cached = f.open(bulk.wpath(), L"query");
+        ASSERT_NE(cached, nullptr);
+        for (auto [first, count] :
+             {std::pair{1u, kBulkProfiles}, {509u, 6u}, {298u, 5u}, {kBulkProfiles, 1u}, {4u, 1u}}) {
+            SCOPED_TRACE(first);
+            std::vector<Reading> headers, beams;
+            std::vector<unsigned> offsets;
+            readEach(f, h, first, count, headers, beams, offsets);
+            for (H reader : {h, cached}) {
+                std::vector<Reading> gotHeaders(count), gotBeams(beams.size());
+                std::vector<unsigned> gotOffsets(count + 1, 99);
+                ASSERT_EQ(f.readProfiles(reader, first, count, gotHeaders.data()), 0);
+                EXPECT_EQ(gotHeaders, headers);
+                const auto capacity = static_cast<unsigned>(beams.size());
+                ASSERT_EQ(f.readBeams(reader, first, count, capacity, gotOffsets.data(), gotBeams.data()), 0);
+                EXPECT_EQ(gotBeams, beams);
+                EXPECT_EQ(gotOffsets, offsets);
+            }
+        }
+        EXPECT_EQ(f.close(cached), 0);
     }
     // Nothing read leaves the arrays as they were: no profiles, a range past
     // the end, more beams than the arrays hold.

@@ -244,6 +244,10 @@ inline void writeLine(const Family &f, const std::wstring &dir, unsigned profile
             ASSERT_EQ(f.writeBeams(h, p, l.count), 0);
         }
         for (unsigned k = 0; !bulk && k < l.count; ++k) ASSERT_EQ(f.writeBeam(h, p, k), 0);
+        if (p == 7) {
+            // A beam beyond those declared is refused and writes nothing.
+            EXPECT_EQ(bulk ? f.writeBeams(h, p, 1) : f.writeBeam(h, p, 0), f.block + 19);
+        }
         ASSERT_EQ(f.endProfile(h), 0);
         ASSERT_EQ(p == segmentEnd || p == profiles ? f.endSegment(h, p) : 0, 0);
     }
