@@ -17,19 +17,21 @@ bool FileSource::writeAt(std::uint64_t offset, const void *in, std::size_t n) {
 }
 
 std::int64_t MemorySource::readAt(std::uint64_t offset, void *out, std::size_t n) {
-    if (offset >= bytes_.size()) return 0;
-    const std::size_t got = std::min<std::uint64_t>(n, bytes_.size() - offset);
-    std::memcpy(out, bytes_.data() + offset, got);
+    const std::vector<unsigned char> &bytes = *bytes_;
+    if (offset >= bytes.size()) return 0;
+    const std::size_t got = std::min<std::uint64_t>(n, bytes.size() - offset);
+    std::memcpy(out, bytes.data() + offset, got);
     return static_cast<std::int64_t>(got);
 }
 
 bool MemorySource::writeAt(std::uint64_t offset, const void *in, std::size_t n) {
+    std::vector<unsigned char> &bytes = *bytes_;
     try {
-        if (bytes_.size() < offset + n) bytes_.resize(offset + n);
+        if (bytes.size() < offset + n) bytes.resize(offset + n);
     } catch (const std::bad_alloc &) {
         return false;
     }
-    std::memcpy(bytes_.data() + offset, in, n);
+    std::memcpy(bytes.data() + offset, in, n);
     return true;
 }
 

@@ -46,13 +46,18 @@ private:
 
 class MemorySource final : public ByteSource {
 public:
-    explicit MemorySource(std::vector<unsigned char> bytes = {}) : bytes_(std::move(bytes)) {}
+    explicit MemorySource(std::vector<unsigned char> bytes = {}) : own_(std::move(bytes)), bytes_(&own_) {}
+    // Reads and writes the caller's bytes, which must outlive the source.
+    explicit MemorySource(std::vector<unsigned char> *shared) : bytes_(shared) {}
+    MemorySource(const MemorySource &) = delete;
+    MemorySource &operator=(const MemorySource &) = delete;
     std::int64_t readAt(std::uint64_t offset, void *out, std::size_t n) override;
     bool writeAt(std::uint64_t offset, const void *in, std::size_t n) override;
-    const std::vector<unsigned char> &bytes() const { return bytes_; }
+    const std::vector<unsigned char> &bytes() const { return *bytes_; }
 
 private:
-    std::vector<unsigned char> bytes_;
+    std::vector<unsigned char> own_;
+    std::vector<unsigned char> *bytes_;
 };
 
 constexpr std::size_t kWindowBytes = 64 * 1024;

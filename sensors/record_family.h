@@ -68,14 +68,14 @@ template <class Visit>
 int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32_t count, Visit visit);
 
 // Starts a record of the encoded time: its time index entry at the offset
-// the record will have.
-inline int beginRecord(TOVO_Sensor &h, RecordState &s, std::int32_t encodedTime) {
-    return appendIndexEntry(h, s, encodedTime);
-}
-// Appends the filled record buffer.
-inline int finishRecord(TOVO_Sensor &, RecordState &s) {
-    if (!s.appender.append(s.record, s.records.recordSize())) return s.family.code(kWriteFailed);
-    return 0;
+// the record will have, and the room for its bytes at the end of the append
+// buffer (filled by the caller, kept with s.appender.commit), or null with
+// *rc set.
+inline unsigned char *beginRecord(TOVO_Sensor &h, RecordState &s, std::int32_t encodedTime, int *rc) {
+    if ((*rc = appendIndexEntry(h, s, encodedTime)) != 0) return nullptr;
+    unsigned char *bytes = s.appender.room(s.records.recordSize());
+    if (!bytes) *rc = s.family.code(kWriteFailed);
+    return bytes;
 }
 
 // Widens the summary and the current segment's extents by the raw values.
@@ -193,6 +193,10 @@ int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32
 // record loops: the same operations in the same order give the same values.
 inline double decodeTime(const TOVO_Sensor &h, std::int32_t unit) {
     return static_cast<double>(unit) / h.timeScale + h.referenceTime * 60.0;
+}
+// TOVO_EncodePosition against a reference of the handle, inline likewise.
+inline std::int32_t encodePosition(const TOVO_Sensor &h, double position, std::int32_t reference) {
+    return nint((position - reference * 1e-7) / (h.positionScale * 1e-9));
 }
 inline double decodePosition(std::int32_t reference, std::int32_t scale, std::int32_t unit) {
     return static_cast<double>(unit) * scale * 1e-9 + reference * 1e-7;

@@ -11,12 +11,11 @@
 #include "sensors/column_decode.h"
 #include "sensors/profile_bulk.h"
 #include "sensors/profile_cursor.h"
+#include "sensors/profile_forwarders.h"
 
 #include <cctype>
 #include <climits>
 #include <cstdlib>
-#include <memory>
-#include <new>
 
 using namespace velmio;
 
@@ -153,25 +152,8 @@ const ProfileFamily &velmio::tpeProfiles() { return kTpe; }
 extern "C" {
 
 VELMIO_API TOVO_Sensor *TPEOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken, int *errorCode) {
-    std::unique_ptr<TpeState> state(new (std::nothrow) TpeState);
-    if (!state) {
-        if (errorCode) *errorCode = kNoMemory;
-        return nullptr;
-    }
-    TpeState *t = state.get();
-    TOVO_Sensor *h = openProfileSensor(lineDirectory, 52, accessToken, errorCode, kTpe, std::move(state));
-    if (!h || isWriting(*h)) return h;
-    // Set up once the time index is read, so that the cache is bounded by
-    // the line's profile count.
-    if (const int rc = initialise(h, cacheSizeFromEnvironment(), &t->reader)) {
-        closeProfileSensor(h, kTpe, false);
-        if (errorCode) *errorCode = rc;
-        return nullptr;
-    }
-    return h;
+    return openCachedProfile<TpeState>(lineDirectory, 52, accessToken, errorCode, kTpe);
 }
-
-VELMIO_API int TPEClose(TOVO_Sensor *handle) { return closeProfileSensor(handle, kTpe, true); }
 
 VELMIO_API int TPESummary(TOVO_Sensor *handle, unsigned int *numberOfLineSegments, unsigned int *numberOfProfiles,
                           unsigned int *numberOfBeams, double *minTime, double *maxTime, unsigned int *toolType1,
@@ -193,19 +175,6 @@ VELMIO_API int TPESummary(TOVO_Sensor *handle, unsigned int *numberOfLineSegment
     if (minError2) *minError2 = stored(handle->extents[kError2].min);
     if (maxError2) *maxError2 = stored(handle->extents[kError2].max);
     if (status) *status = handle->summaryStatus;
-    return 0;
-}
-
-VELMIO_API int TPELineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **sourceName, unsigned int *beginIndex,
-                              unsigned int *endIndex, double *minTime, double *maxTime, unsigned int *status) {
-    TpeState *t = nullptr;
-    if (const int rc = enter(handle, kAnyMode, t)) return rc;
-    if (!sourceName || !beginIndex || !endIndex || !minTime || !maxTime || !status) return -1;
-    Extent time;
-    if (const int rc = describeSegment(*handle, *t, segmentNumber, sourceName, beginIndex, endIndex, &time, 1, status))
-        return rc;
-    *minTime = time.min;
-    *maxTime = time.max;
     return 0;
 }
 
@@ -352,14 +321,6 @@ VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsi
     return readBeamWalk(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, fromBlock);
 }
 
-VELMIO_API int TPEBgnSeqWriteSummary(TOVO_Sensor *handle) {
-    return profileBgnSeqWriteSummary(handle, kTpe);
-}
-
-VELMIO_API int TPEBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
-    return profileBgnSeqWriteLineSegment(handle, kTpe, sourceName);
-}
-
 VELMIO_API int TPEBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams, unsigned int firstBeam,
                                      double time, unsigned int profileWord, unsigned int status) {
     TpeState *t = nullptr;
@@ -381,36 +342,33 @@ VELMIO_API int TPESeqWrite(TOVO_Sensor *handle, double beamTime, double error1, 
 
 VELMIO_API int TPESeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const double *beamTimes,
                                 const double *errors1, const double *errors2, const unsigned int *statuses) {
-    return writeBeams(handle, kTpe, count, beamTimes && errors1 && errors2, [&](std::uint32_t i) {
-        return TPESeqWrite(handle, beamTimes[i], errors1[i], errors2[i], statuses ? statuses[i] : 0);
-    });
-}
-
-VELMIO_API int TPEEndSeqWriteProfile(TOVO_Sensor *handle) {
-    return profileEndSeqWriteProfile(handle, kTpe);
-}
-
-VELMIO_API int TPEEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
-    return profileEndSeqWriteLineSegment(handle, kTpe, status);
-}
-
-VELMIO_API int TPEEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
-    return profileEndSeqWriteSummary(handle, kTpe, status);
+    Extent range1, range2;
+    return appendBeams(
+        handle, kTpe, count, beamTimes && errors1 && errors2,
+        [&](ProfileState &s, std::uint32_t i, unsigned char *bytes) {
+            storeBe32(bytes, statusAndOffset(s, beamTimes[i], statuses ? statuses[i] : 0));
+            storeBe32(bytes + 4, encodeError(errors1[i]));
+            storeBe32(bytes + 8, encodeError(errors2[i]));
+            range1.widen(errors1[i]);
+            range2.widen(errors2[i]);
+            return beamTimes[i];
+        },
+        [&](ProfileState &) {
+            handle->extents[kError1].widen(range1);
+            handle->extents[kError2].widen(range2);
+        },
+        [&](std::uint32_t i) {
+            return TPESeqWrite(handle, beamTimes[i], errors1[i], errors2[i], statuses ? statuses[i] : 0);
+        });
 }
 
 VELMIO_API int TPESetToolType(TOVO_Sensor *handle, unsigned int toolType1, unsigned int toolType2) {
-    const std::uint32_t second = toolType2;
-    return profileSetToolTypes(handle, kTpe, kAnyMode, toolType1, &second);
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kAnyMode, t)) return rc;
+    t->familyWords[0] = toolType1;
+    t->familyWords[1] = toolType2;
+    t->statusDirty = true;
+    return 0;
 }
-
-VELMIO_API int TPESetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
-    return profileSetSummaryStatus(handle, kTpe, status);
-}
-
-VELMIO_API int TPESetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
-    return profileSetLineSegmentStatus(handle, kTpe, segmentNumber, status);
-}
-
-VELMIO_API int TPERemoveDir(const wchar_t *lineDirectory) { return SensorRemoveDir(lineDirectory, L"TPE"); }
 
 }  // extern "C"
