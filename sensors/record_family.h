@@ -167,7 +167,9 @@ int readRecordBatches(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::
         }
         const std::uint32_t batch = std::min(perWindow, count - i);
         const std::size_t bytes = std::size_t{batch} * size;
-        const unsigned char *p = s.window.at(*s.source, at, bytes, bytes);
+        const std::size_t ahead =
+            static_cast<std::size_t>(std::min<std::uint64_t>(kBulkWindowBytes, std::uint64_t{count - i} * size));
+        const unsigned char *p = s.window.at(*s.source, at, bytes, std::max(bytes, ahead));
         if (!p) return f.code(kReadFailed);
         if (int rc = visit(i, p, batch)) return rc;
         i += batch;
