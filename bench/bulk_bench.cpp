@@ -1,8 +1,10 @@
 // Bulk reads and writes of whole lines into and from caller arrays, beside
 // the raw limit on the same bytes: one read of the data bytes and a byte
-// swap with scaling into the same arrays, or the reverse and one write.
+// swap with scaling into the same arrays, or the reverse and one write (with
+// the time index and segment files, synced as the library syncs them).
 #include "bench_support.h"
 #include "raw_codec.h"
+#include "raw_files.h"
 #include "survey_lines.h"
 
 #include <velmio/navigation.h>
@@ -14,6 +16,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <stdexcept>
 
 namespace velmio::bench {
 namespace {
@@ -306,12 +310,34 @@ std::size_t encodeAll(const Scales &s, const Columns &c, unsigned char *p) {
     return static_cast<std::size_t>(p - begin);
 }
 
+// The time index of an encoded data area: one entry per record, or per
+// profile header.
+template <Family F>
+void indexData(const unsigned char *area, std::size_t records, RawIndex &index) {
+    const Layout &layout = layoutOf(F);
+    auto offset = static_cast<std::uint32_t>(layout.dataOffset);
+    if constexpr (F == Family::Gyro || F == Family::Navigation) {
+        for (std::size_t i = 0; i < records; ++i, area += layout.recordBytes, offset += layout.recordBytes)
+            index.add(sbe32(area + 4), offset);
+    } else {
+        const std::size_t step = layout.headerBytes + kBeamsPerProfile * layout.recordBytes;
+        for (std::size_t p = 0; p < profilesFor(F, records); ++p, area += step, offset += step)
+            index.add(sbe32(area + 8), offset);
+    }
+}
+
+// Both passes make a whole line on the disk, Close included: the raw pass
+// encodes into one buffer and writes it with one call, adds the time index
+// and segment files, and syncs them as the library's Close does (checked
+// byte for byte after each pass).
 template <Family F>
 void BulkWrite(benchmark::State &state) {
     const auto records = static_cast<std::size_t>(state.range(0));
     const std::string dir = freshDir("bulk-write");
-    const std::wstring wdir = widen(dir);
-    const std::string raw = dir + "/raw";
+    const std::string velmioDir = dir + "/velmio", rawDir = dir + "/raw";
+    std::filesystem::create_directories(velmioDir);
+    std::filesystem::create_directories(rawDir);
+    const std::wstring wdir = widen(velmioDir);
     const Columns c = source(F, records);
     const Scales s = writerScales();
     const Layout &layout = layoutOf(F);
@@ -323,16 +349,26 @@ void BulkWrite(benchmark::State &state) {
             watch.start();
             writeAll(F, wdir, c);
             watch.stop();
-            return 0.0;
+            return 1.0;
         },
         [&](Stopwatch &watch) {
+            const std::vector<unsigned char> head = fileBytes(velmioDir + "/" + layout.stem, layout.dataOffset);
+            const std::vector<SideFile> sides = sideFiles(velmioDir, layout.stem);
             watch.start();
+            std::copy(head.begin(), head.end(), buffer.begin());
             const std::size_t bytes = layout.dataOffset + encodeAll<F>(s, c, buffer.data() + layout.dataOffset);
-            const int fd = ::open(raw.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-            const bool written = ::write(fd, buffer.data(), bytes) == static_cast<ssize_t>(bytes);
-            ::close(fd);
+            RawIndex index(be32(&head[4]), be32(&head[12]), profilesFor(F, records));
+            indexData<F>(buffer.data() + layout.dataOffset, records, index);
+            const int fd = ::open((rawDir + "/" + layout.stem).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+            bool ok = ::write(fd, buffer.data(), bytes) == static_cast<ssize_t>(bytes) && ::fdatasync(fd) == 0;
+            ok = ::close(fd) == 0 && ok;
+            const std::vector<unsigned char> &indexBytes = index.bytes();
+            ok = replaceDurably(rawDir + "/" + layout.stem + "TmIdx", indexBytes.data(), indexBytes.size()) && ok;
+            for (const SideFile &side : sides)
+                ok = replaceDurably(rawDir + "/" + side.name, side.bytes.data(), side.bytes.size()) && ok;
             watch.stop();
-            return written ? 0.0 : -1.0;
+            if (!ok) throw std::runtime_error("raw write failed in " + rawDir);
+            return sameFiles(velmioDir, rawDir);
         });
 }
 

@@ -66,7 +66,8 @@ inline void encodeRecord(const Scales &s, unsigned char *p, std::size_t i, std::
         putBe32(p + 12, static_cast<std::uint32_t>(nint((0.05 + drift - s.referenceLongitude) / 1e-9)));
         putBe32(p + 16, static_cast<std::uint32_t>(nint(recordValue(i) * 1000.0)));
     } else {
-        const double offset = b * 1e-5 * s.depthTimeScale;
+        // The beam's time as writeLine gives it, less the ping time.
+        const double offset = (recordTime(i) + b * 1e-5 - recordTime(i)) * s.depthTimeScale;
         putBe32(p, recordStatus(b) << 16 | (static_cast<std::uint32_t>(nint(offset)) & 0xFFFF));
         if constexpr (F == Family::ObservedDepths) {
             putBe32(p + 4, static_cast<std::uint32_t>(nint((20.0 + recordValue(b)) * 1000.0)));

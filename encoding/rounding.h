@@ -8,8 +8,8 @@
 namespace velmio {
 
 // Round half away from zero to a signed 32-bit integer, wrapping modulo 2^32.
-// NaN, infinities and |x| >= 2^63 give INT32_MIN. Inline: the record writers
-// call it for every field.
+// NaN, infinities and |x| >= 2^63 give INT32_MIN. Inline, as truncToInt32:
+// the record writers call them for every field.
 inline std::int32_t nint(double x) {
     if (std::isnan(x) || !(std::fabs(x) < 9223372036854775808.0 - 1024.0)) return INT32_MIN;
     const double magnitude = std::trunc(std::fabs(x) + 0.5);
@@ -18,7 +18,11 @@ inline std::int32_t nint(double x) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(wide)));
 }
 // Truncate toward zero, wrapping the same way (same special values).
-std::int32_t truncToInt32(double x);
+inline std::int32_t truncToInt32(double x) {
+    if (std::isnan(x) || !(std::fabs(x) < 9223372036854775808.0 - 1024.0)) return INT32_MIN;
+    const auto wide = static_cast<std::int64_t>(std::trunc(x));
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(wide)));
+}
 
 }  // namespace velmio
 

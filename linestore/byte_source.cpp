@@ -37,18 +37,19 @@ bool MemorySource::writeAt(std::uint64_t offset, const void *in, std::size_t n) 
 
 const unsigned char *ReadWindow::refill(ByteSource &source, std::uint64_t offset, std::size_t n,
                                         std::size_t ahead) {
-    const std::size_t want = std::max(n, std::min(ahead, kWindowBytes));
-    try {
-        if (bytes_.size() < want) bytes_.resize(std::max(want, kWindowBytes));
-    } catch (const std::bad_alloc &) {
-        return nullptr;
-    }
+    const std::size_t want = std::max(n, std::min(ahead, kBulkWindowBytes));
     length_ = 0;
-    const std::int64_t got = source.readAt(offset, bytes_.data(), want);
+    if (capacity_ < want) {
+        const std::size_t capacity = std::max(want, kWindowBytes);
+        bytes_.reset(new (std::nothrow) unsigned char[capacity]);
+        capacity_ = bytes_ ? capacity : 0;
+        if (!bytes_) return nullptr;
+    }
+    const std::int64_t got = source.readAt(offset, bytes_.get(), want);
     if (got < static_cast<std::int64_t>(n)) return nullptr;
     start_ = offset;
     length_ = static_cast<std::size_t>(got);
-    return bytes_.data();
+    return bytes_.get();
 }
 
 void AppendBuffer::start(ByteSource *sink, std::uint64_t offset) {

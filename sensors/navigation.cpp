@@ -7,8 +7,10 @@
 #include "encoding/rounding.h"
 #include "foundation/diagnostics.h"
 #include "foundation/wide_copy.h"
+#include "sensors/column_decode.h"
 #include "sensors/record_family.h"
 
+#include <algorithm>
 #include <new>
 
 namespace velmio {
@@ -362,10 +364,33 @@ int readRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int first, uns
     if (count == 0) return 0;
     if (!inRange(*h, first, count)) return f.records.code(kOutOfRange);
     const bool edited = isUpdate(*h);
-    auto at = [](auto *array, std::uint32_t i) { return array ? array + i : nullptr; };
-    return readRecords(*h, *s, first, count, [&](std::uint32_t i, const unsigned char *bytes) {
-        decodeRecord(*h, bytes, at(times, i), at(latitudes, i), at(longitudes, i), at(metres, i), at(statuses, i));
-        if (statuses && edited) statuses[i] = h->shadowStatus[first + i];
+    // decodeRecord's arithmetic, a field at a time, with the handle's scales in locals.
+    const double timeScale = h->timeScale, referenceTime = h->referenceTime * 60.0;
+    const double positionScale = h->positionScale;
+    const double referenceLatitude = h->referenceLatitude * 1e-7, referenceLongitude = h->referenceLongitude * 1e-7;
+    auto position = [positionScale](double reference) {
+        return [positionScale, reference](std::uint32_t w) {
+            return static_cast<double>(static_cast<std::int32_t>(w)) * positionScale * 1e-9 + reference;
+        };
+    };
+    auto decode = [&](std::uint32_t i, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+        auto slots = [i](auto *array) { return array ? array + i : nullptr; };
+        fillColumn(slots(times), run, w[1], [timeScale, referenceTime](std::uint32_t u) {
+            return static_cast<double>(static_cast<std::int32_t>(u)) / timeScale + referenceTime;
+        });
+        fillColumn(slots(latitudes), run, w[2], position(referenceLatitude));
+        fillColumn(slots(longitudes), run, w[3], position(referenceLongitude));
+        fillColumn(slots(metres), run, w[4], [](std::uint32_t u) { return static_cast<std::int32_t>(u) / 1000.0; });
+        if (statuses && edited)
+            std::copy_n(h->shadowStatus + first + i, run, statuses + i);
+        else
+            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u; });
+    };
+    return readRecordBatches(*h, *s, first, count, [&](std::uint32_t i, const unsigned char *bytes, std::uint32_t n) {
+        forEachRun<5>(bytes, n, kRecordBytes,
+                      [&](std::uint32_t done, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+                          decode(i + done, run, w);
+                      });
         return 0;
     });
 }
@@ -382,14 +407,16 @@ int writeRecord(TOVO_Sensor *h, NavigationState *s, double time, double latitude
     }
     // Counted before anything can fail: a failed write still counts.
     ++h->recordCount;
-    int t = TOVO_EncodeTime(time, h->referenceTime, h->timeScale);
-    int lat = TOVO_EncodePosition(latitude, h->referenceLatitude, h->positionScale);
-    int lon = TOVO_EncodePosition(longitude, h->referenceLongitude, h->positionScale);
-    int m = TOVO_EncodeMeters(metres);
-    if (int rc = beginRecord(*h, *s, t)) return rc;
-    const std::int32_t words[5] = {static_cast<std::int32_t>(status), t, lat, lon, m};
-    for (int k = 0; k < 5; ++k) storeBe32(s->record + 4 * k, static_cast<std::uint32_t>(words[k]));
-    if (int rc = finishRecord(*h, *s)) return rc;
+    const std::int32_t t = encodeTime(*h, time);
+    int rc = 0;
+    unsigned char *bytes = beginRecord(*h, *s, t, &rc);
+    if (!bytes) return rc;
+    storeBe32(bytes, status);
+    storeBe32(bytes + 4, static_cast<std::uint32_t>(t));
+    storeBe32(bytes + 8, static_cast<std::uint32_t>(encodePosition(*h, latitude, h->referenceLatitude)));
+    storeBe32(bytes + 12, static_cast<std::uint32_t>(encodePosition(*h, longitude, h->referenceLongitude)));
+    storeBe32(bytes + 16, static_cast<std::uint32_t>(encodeMetres(metres)));
+    s->appender.commit(kRecordBytes);
     const double values[3] = {time, latitude, longitude};
     widenExtents(*h, values);
     ++s->written;
@@ -414,22 +441,15 @@ int seqWriteRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int count,
     return appendRecords(
         *h, *s, count, fields,
         [&](std::uint32_t first, std::uint32_t n, unsigned char *bytes, std::int32_t *encodedTimes) {
-            // TOVO_EncodeTime, ..Position and ..Meters inline, operation for
-            // operation; the references are fixed by now.
-            const double reference = h->referenceTime * 60.0;
-            const double scale = h->timeScale;
-            const double latitude0 = h->referenceLatitude * 1e-7, longitude0 = h->referenceLongitude * 1e-7;
-            const double step = h->positionScale * 1e-9;
+            // The references are fixed by now.
             for (std::uint32_t i = first; i < first + n; ++i, bytes += kRecordBytes) {
-                const std::int32_t t = nint((times[i] - reference) * scale);
-                const double m = metres[i];
-                const std::int32_t units =
-                    m > 2000000.0 ? 2147483647 : m < -2000000.0 ? -2147483647 - 1 : nint(m * 1000.0);
+                const std::int32_t t = encodeTime(*h, times[i]);
                 storeBe32(bytes, statuses ? statuses[i] : 0);
                 storeBe32(bytes + 4, static_cast<std::uint32_t>(t));
-                storeBe32(bytes + 8, static_cast<std::uint32_t>(nint((latitudes[i] - latitude0) / step)));
-                storeBe32(bytes + 12, static_cast<std::uint32_t>(nint((longitudes[i] - longitude0) / step)));
-                storeBe32(bytes + 16, static_cast<std::uint32_t>(units));
+                storeBe32(bytes + 8, static_cast<std::uint32_t>(encodePosition(*h, latitudes[i], h->referenceLatitude)));
+                storeBe32(bytes + 12,
+                          static_cast<std::uint32_t>(encodePosition(*h, longitudes[i], h->referenceLongitude)));
+                storeBe32(bytes + 16, static_cast<std::uint32_t>(encodeMetres(metres[i])));
                 *encodedTimes++ = t;
             }
         },

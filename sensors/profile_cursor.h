@@ -10,12 +10,18 @@
 
 #include <velmio/encoding.h>
 
+#include "encoding/rounding.h"
 #include "sensors/record_engine.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace velmio {
+
+inline std::int32_t asSigned(std::uint32_t w) { return static_cast<std::int32_t>(w); }
+inline std::uint32_t asWord(std::int32_t v) { return static_cast<std::uint32_t>(v); }
 
 // Access modes an operation accepts.
 enum ModeMask : unsigned {
@@ -55,6 +61,24 @@ struct ProfileHeader {
     bool holds(std::uint32_t beam) const { return beam >= firstBeam && beam - firstBeam < beamCount; }
 };
 
+// Headers already read and checked, by profile number: a direct-mapped
+// table made on first use, so that a random beam of a profile met before
+// costs one read of the beam's own bytes. Header reads still go to the file.
+class KnownHeaders {
+public:
+    const ProfileHeader *find(std::uint32_t profile) const {
+        if (slots_.empty()) return nullptr;
+        const ProfileHeader &slot = slots_[profile & (slots_.size() - 1)];
+        return slot.number == profile ? &slot : nullptr;
+    }
+    // profiles (the line's count) sizes the table on first use.
+    void keep(const ProfileHeader &header, std::uint32_t profiles);
+    void forget() { slots_.clear(); }
+
+private:
+    std::vector<ProfileHeader> slots_;
+};
+
 class ProfileState : public EngineState {
 public:
     explicit ProfileState(const ProfileFamily &f) : EngineState(f), profiles(f) {}
@@ -63,6 +87,7 @@ public:
     double profileTime = 0.0;   // ping time of the profile in hand
     int repositionNeeded = 1;   // the file is not known to be at the next beam
     ProfileHeader header;       // last header positioned on
+    KnownHeaders knownHeaders;  // of random beam reads
     std::uint32_t lastProfile = 0;
     std::uint32_t lastBeam = 0;
     // Writing: the segment begun and not yet ended, and the open profile's
@@ -80,6 +105,9 @@ public:
     // one small positioned read; reads that follow refill 64 KiB at a time.
     std::uint64_t position = 0;
     std::size_t readAhead = kWindowBytes;
+    // Set while a bulk read walks its range: where the range's bytes end,
+    // so that headers are read with the bytes behind them in large windows.
+    std::uint64_t bulkEnd = 0;
 };
 
 // The family's state on a handle after the entry checks in the family's
@@ -118,27 +146,53 @@ int beginProfile(TOVO_Sensor &h, ProfileState &s, std::uint32_t beams, std::uint
                  std::uint32_t status, const std::uint32_t *extra, unsigned extraCount, bool widenTime);
 int writeBeam(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words, double beamTime);
 int endProfile(TOVO_Sensor &h, ProfileState &s);
-// Word 1 of a beam: status bits over the 16-bit time offset from the ping.
-std::uint32_t statusAndOffset(const ProfileState &s, double beamTime, std::uint32_t status);
+// The bulk form of writeBeam for SeqWriteBeams: enters like the family's
+// other create-mode calls, then encodes beams 0 .. count - 1 straight into
+// the append buffer a buffer's worth at a time. encode(s, i, bytes) stores
+// beam i, widens the family's own extents in locals and returns the beam's
+// time; widen(s) widens the handle's by those locals after each batch (a
+// char store could alias the handle: its extents stay out of the loop). A beam
+// the batch cannot take (a failing flush, more beams than declared) goes
+// through writeOne(i), the per-beam write, so that codes are the same.
+template <class Encode, class Widen, class WriteOne>
+int appendBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, bool inputsPresent, Encode encode,
+                Widen widen, WriteOne writeOne) {
+    ProfileState *s = nullptr;
+    if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
+    if (count == 0) return 0;
+    if (!inputsPresent) return -1;
+    const std::uint32_t size = f.geometry.itemBytes;
+    const std::uint32_t fits = s->profileOpen ? std::min(count, s->beamsDeclared - s->beamsWritten) : 0;
+    std::uint32_t i = 0;
+    while (i < fits) {
+        const std::uint32_t batch = std::min<std::uint32_t>(static_cast<std::uint32_t>(kWindowBytes / size), fits - i);
+        unsigned char *p = s->appender.room(std::size_t{batch} * size);
+        if (!p) {
+            if (const int rc = writeOne(i)) return rc;
+            ++i;
+            continue;
+        }
+        Extent times;
+        for (std::uint32_t j = 0; j < batch; ++j, p += size) times.widen(encode(*s, i + j, p));
+        s->appender.commit(std::size_t{batch} * size);
+        s->beamsWritten += batch;
+        s->repositionNeeded = 1;
+        h->extents[0].widen(times);
+        if (s->currentSegment) s->currentSegment->extents[0].widen(times);
+        widen(*s);
+        i += batch;
+    }
+    return i < count ? writeOne(i) : 0;
+}
+// Word 1 of a beam: status bits over the 16-bit time offset from the ping
+// (TOVO_EncodeDepthTime inline, operation for operation).
+inline std::uint32_t statusAndOffset(const ProfileState &s, double beamTime, std::uint32_t status) {
+    return (asWord(nint((beamTime - s.profileTime) * s.depthTimeScale)) & 0xFFFFu) | status;
+}
 // The beam time that word 1 carries.
 inline double beamTime(const ProfileState &s, double profileTime, std::uint32_t word1) {
     return decodeDepthTime(profileTime, s.depthTimeScale, static_cast<std::int16_t>(word1 & 0xFFFFu));
 }
-
-// The operations every profile family has in the same form: the family's
-// entry checks and codes, then the shared effect. The tool type words are
-// familyWords[0] and, for a second one, familyWords[1] of the state.
-int profileBgnSeqWriteSummary(TOVO_Sensor *h, const ProfileFamily &f);
-int profileBgnSeqWriteLineSegment(TOVO_Sensor *h, const ProfileFamily &f, const wchar_t *name);
-int profileEndSeqWriteProfile(TOVO_Sensor *h, const ProfileFamily &f);
-int profileEndSeqWriteLineSegment(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status);
-int profileEndSeqWriteSummary(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status);
-int profileSetSummaryStatus(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status);
-int profileSetLineSegmentStatus(TOVO_Sensor *h, const ProfileFamily &f, int segmentNumber, std::uint32_t status);
-// Sets the first tool type word, and the second when second is not null;
-// modes says where this family allows it.
-int profileSetToolTypes(TOVO_Sensor *h, const ProfileFamily &f, unsigned modes, std::uint32_t first,
-                        const std::uint32_t *second);
 
 int beginProfileSegment(TOVO_Sensor &h, ProfileState &s, const wchar_t *name);
 int endProfileSegment(TOVO_Sensor &h, ProfileState &s, std::uint32_t status);
@@ -174,9 +228,6 @@ int storeBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t offset, const std::
 // Sequential reads at the current file position.
 int readHeaderSeq(TOVO_Sensor &h, ProfileState &s, ProfileHeader &out);
 int readBeamSeq(TOVO_Sensor &h, ProfileState &s, std::uint32_t *words);
-
-inline std::int32_t asSigned(std::uint32_t w) { return static_cast<std::int32_t>(w); }
-inline std::uint32_t asWord(std::int32_t v) { return static_cast<std::uint32_t>(v); }
 
 }  // namespace velmio
 

@@ -8,6 +8,7 @@
 #ifndef VELMIO_SENSORS_RECORD_ENGINE_H
 #define VELMIO_SENSORS_RECORD_ENGINE_H
 
+#include "encoding/rounding.h"
 #include "linestore/byte_source.h"
 #include "linestore/line_segment_file.h"
 #include "linestore/sensor.h"
@@ -145,6 +146,15 @@ inline bool isUpdate(const TOVO_Sensor &h) { return h.accessMode == 3; }
 // The arithmetic of TOVO_DecodeMeters and TOVO_DecodeDepthTime inline, for
 // the record loops: the same operations give the same values.
 inline double decodeMetres(std::int32_t unit) { return unit / 1000.0; }
+// TOVO_EncodeTime against the handle's references, inline for the record
+// writers: the same operations in the same order give the same units.
+inline std::int32_t encodeTime(const TOVO_Sensor &h, double time) {
+    return nint((time - h.referenceTime * 60.0) * h.timeScale);
+}
+// TOVO_EncodeMeters inline, for the record writers: the same clamps and rounding.
+inline std::int32_t encodeMetres(double metres) {
+    return metres > 2000000.0 ? 2147483647 : metres < -2000000.0 ? -2147483647 - 1 : nint(metres * 1000.0);
+}
 inline double decodeDepthTime(double reference, std::int32_t scale, std::int32_t unit) {
     return static_cast<double>(unit) / scale + reference;
 }

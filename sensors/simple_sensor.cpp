@@ -53,6 +53,7 @@ const RecordFamily kSimple = {
 struct SimpleSensorState : RecordState {
     SimpleSensorState() : RecordState(kSimple) {}
     double valueDivisor = 1000.0;  // units per metre or radian, as TOVO_DecodeMeters or ..Radians divide
+    bool radians = false;          // values encode as TOVO_EncodeRadians, else as ..Meters
 };
 
 bool isSimpleType(unsigned int typeId) {
@@ -87,13 +88,15 @@ int writeRecord(TOVO_Sensor &h, SimpleSensorState &s, double time, double value,
     }
     // Counted before anything can fail: a failed write still counts.
     ++h.recordCount;
-    int t = TOVO_EncodeTime(time, h.referenceTime, h.timeScale);
-    int v = h.encodeValue(value);
-    if (int rc = beginRecord(h, s, t)) return rc;
-    storeBe32(s.record, status);
-    storeBe32(s.record + 4, static_cast<std::uint32_t>(t));
-    storeBe32(s.record + 8, static_cast<std::uint32_t>(v));
-    if (int rc = finishRecord(h, s)) return rc;
+    const std::int32_t t = encodeTime(h, time);
+    const std::int32_t v = s.radians ? nint(value * 10000000.0) : encodeMetres(value);
+    int rc = 0;
+    unsigned char *bytes = beginRecord(h, s, t, &rc);
+    if (!bytes) return rc;
+    storeBe32(bytes, status);
+    storeBe32(bytes + 4, static_cast<std::uint32_t>(t));
+    storeBe32(bytes + 8, static_cast<std::uint32_t>(v));
+    s.appender.commit(kRecordBytes);
     const double values[2] = {time, value};
     widenExtents(h, values);
     ++s.written;
@@ -138,7 +141,10 @@ extern "C" VELMIO_API TOVO_Sensor *SimpleSensorOpen(const wchar_t *lineDirectory
         rc = kNoMemory;
         return nullptr;
     }
-    if (encodingKind == VELMIO_SIMPLE_SENSOR_RADIANS) state->valueDivisor = 10000000.0;
+    if (encodingKind == VELMIO_SIMPLE_SENSOR_RADIANS) {
+        state->valueDivisor = 10000000.0;
+        state->radians = true;
+    }
     rc = openRecordFamily(h, state);
     return rc == 0 ? h : nullptr;
 }
@@ -248,22 +254,14 @@ extern "C" VELMIO_API int SimpleSensorSeqWriteRange(TOVO_Sensor *h, unsigned int
     if (count == 0) return 0;
     if (!times || !values) return kMissingOutput;
     const double *const fields[2] = {times, values};
-    const bool radians = h->encodeValue == TOVO_EncodeRadians;
+    const bool radians = s->radians;
     return appendRecords(
         *h, *s, count, fields,
         [&](std::uint32_t first, std::uint32_t n, unsigned char *bytes, std::int32_t *encodedTimes) {
-            // TOVO_EncodeTime, ..Meters and ..Radians inline, operation for
-            // operation; the references are fixed by now.
-            const double reference = h->referenceTime * 60.0;
-            const double scale = h->timeScale;
+            // The references are fixed by now.
             for (std::uint32_t i = first; i < first + n; ++i, bytes += kRecordBytes) {
-                const std::int32_t t = nint((times[i] - reference) * scale);
-                const double v = values[i];
-                std::int32_t units;
-                if (radians)
-                    units = nint(v * 10000000.0);
-                else
-                    units = v > 2000000.0 ? 2147483647 : v < -2000000.0 ? -2147483647 - 1 : nint(v * 1000.0);
+                const std::int32_t t = encodeTime(*h, times[i]);
+                const std::int32_t units = radians ? nint(values[i] * 10000000.0) : encodeMetres(values[i]);
                 storeBe32(bytes, statuses ? statuses[i] : 0);
                 storeBe32(bytes + 4, static_cast<std::uint32_t>(t));
                 storeBe32(bytes + 8, static_cast<std::uint32_t>(units));

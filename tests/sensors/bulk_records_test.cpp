@@ -62,10 +62,11 @@ struct RecordOps {
 const RecordOps kRecordFamilies[] = {VELMIO_SIMPLE_FAMILIES(VELMIO_SIMPLE_OPS) VELMIO_NAVIGATION_OPS(Navigation)
                                          VELMIO_NAVIGATION_OPS(SSSNavigation)};
 
-// Two segments (1-600, 601-6000) over 12 time index sets and more than one
-// 64 KiB window of records; the second
-// segment's statuses are all 0, which the bulk writer passes as null.
-constexpr unsigned kRecords = 6000;
+// Two segments (1-600, 601-12000) over 24 time index sets; the second is
+// one bulk call spanning three 64 KiB write batches even of 12-byte records
+// (5461 a batch), and its statuses are all 0, which the bulk writer passes
+// as null.
+constexpr unsigned kRecords = 12000;
 constexpr unsigned kFirstSegmentEnd = 600;
 
 Columns lineValues() {
