@@ -1,6 +1,7 @@
 // The read-ahead block reader of the profile families.
-#include <velmio/block_reader.hpp>
+#include "datafile/block_reader.h"
 
+#include "linestore/byte_source.h"
 #include "linestore/sensor.h"
 #include "platform/file_io.h"
 #include "platform/files.h"
@@ -19,6 +20,8 @@ namespace {
 constexpr int kNoMemory = 5000009;
 constexpr int kIndexInvalid = 5000039;
 constexpr std::size_t kInitialCapacity = 100000;
+// held[] of a record whose bytes are not read yet.
+constexpr std::uint32_t kNotRead = 0xFFFFFFFFu;
 
 }  // namespace
 
@@ -30,8 +33,11 @@ struct VELMBlockReader {
     unsigned int last = 0;
     std::uint32_t *offsets = nullptr;  // from the block start, cacheSize + 1
     std::uint32_t *lengths = nullptr;  // cacheSize + 1
+    // Bytes of each record in memory, or kNotRead: a block reached by a jump
+    // reads its records as they are asked for, so that a random read costs
+    // one record's bytes and not the whole block's.
+    std::uint32_t *held = nullptr;     // cacheSize + 1
     char *block = nullptr;
-    std::size_t length = 0;     // bytes of the block actually read
     std::size_t capacity = 0;
     std::uint32_t blockStart = 0;
     std::uint32_t slot = 0;      // of the current record
@@ -44,15 +50,38 @@ namespace {
 void freeArrays(VELMBlockReader &r) {
     std::free(r.offsets);
     std::free(r.lengths);
-    r.offsets = r.lengths = nullptr;
+    std::free(r.held);
+    r.offsets = r.lengths = r.held = nullptr;
 }
 
 // Bytes of the current record that are in memory.
 std::uint32_t currentLength(const VELMBlockReader &r) {
-    if (r.first == 0 || !r.lengths) return 0;
-    const std::uint64_t start = r.offsets[r.slot];
-    if (start >= r.length) return 0;
-    return static_cast<std::uint32_t>(std::min<std::uint64_t>(r.lengths[r.slot], r.length - start));
+    if (r.first == 0 || !r.held || r.held[r.slot] == kNotRead) return 0;
+    return r.held[r.slot];
+}
+
+// Reads the records of the block from slot on (all of them, or that one
+// alone) with one positioned read. A short read leaves the records beyond
+// it shorter, so that reads of them fail instead of returning stale bytes.
+void load(VELMBlockReader &r, std::uint32_t slot, bool toBlockEnd) {
+    const unsigned int count = r.last - r.first + 1;
+    const std::uint32_t end = toBlockEnd ? count : slot + 1;
+    const std::uint64_t from = r.offsets[slot];
+    const std::uint64_t to = std::uint64_t{r.offsets[end - 1]} + r.lengths[end - 1];
+    std::uint64_t got = 0;
+    if (to > from) {
+        // The profile reads that share the descriptor keep their own positions.
+        const TOVO_Sensor &h = *r.sensor;
+        const std::size_t want = static_cast<std::size_t>(to - from);
+        const std::int64_t n = h.dataSource ? h.dataSource->readAt(r.blockStart + from, r.block + from, want)
+                                            : velmio::platform::readAt(fileno(h.dataFile), r.block + from, want,
+                                                                       r.blockStart + from);
+        got = n > 0 ? static_cast<std::uint64_t>(n) : 0;
+    }
+    for (std::uint32_t i = slot; i < end; ++i) {
+        const std::uint64_t start = r.offsets[i] - from;
+        r.held[i] = start >= got ? 0 : static_cast<std::uint32_t>(std::min<std::uint64_t>(r.lengths[i], got - start));
+    }
 }
 
 // Plans the block that starts at record n: fills offsets and lengths and
@@ -126,7 +155,8 @@ VELMIO_API int setCacheSize(VELMBlockReader *handle, unsigned int cacheSize) {
     if (cacheSize == 0) return 0;
     handle->offsets = static_cast<std::uint32_t *>(std::calloc(std::size_t{cacheSize} + 1, sizeof(std::uint32_t)));
     handle->lengths = static_cast<std::uint32_t *>(std::calloc(std::size_t{cacheSize} + 1, sizeof(std::uint32_t)));
-    if (!handle->offsets || !handle->lengths) {
+    handle->held = static_cast<std::uint32_t *>(std::calloc(std::size_t{cacheSize} + 1, sizeof(std::uint32_t)));
+    if (!handle->offsets || !handle->lengths || !handle->held) {
         freeArrays(*handle);
         handle->cacheSize = 0;
         return kNoMemory;
@@ -144,17 +174,20 @@ VELMIO_API void getStartEndRecordNumber(const VELMBlockReader *handle, unsigned 
 VELMIO_API void clearBuffer(VELMBlockReader *handle) {
     if (!handle) return;
     handle->first = handle->last = 0;
-    handle->length = 0;
     handle->slot = handle->position = 0;
 }
 
 VELMIO_API int readRecord(VELMBlockReader *handle, unsigned int recordNumber) {
     if (!handle || handle->cacheSize == 0) return 1;
     VELMBlockReader &r = *handle;
+    // Reading on in order takes the rest of the block at once; a jump takes
+    // the record asked for.
+    const bool inOrder = recordNumber == r.lastRequested + 1;
     r.lastRequested = recordNumber;
     if (r.first != 0 && recordNumber >= r.first && recordNumber <= r.last) {
         r.slot = recordNumber - r.first;
         r.position = 0;
+        if (r.held[r.slot] == kNotRead) load(r, r.slot, inOrder);
         return 0;
     }
     clearBuffer(handle);
@@ -178,16 +211,8 @@ VELMIO_API int readRecord(VELMBlockReader *handle, unsigned int recordNumber) {
     }
     r.blockStart = start;
     r.first = recordNumber;
-    // A short read leaves the records beyond it shorter, so that reads of
-    // them fail instead of returning stale bytes.
-    // One positioned read: the profile reads that share the descriptor keep
-    // their own positions.
-    r.length = 0;
-    if (blockLength > 0) {
-        const std::int64_t got =
-            velmio::platform::readAt(fileno(r.sensor->dataFile), r.block, static_cast<std::size_t>(blockLength), start);
-        r.length = got > 0 ? static_cast<std::size_t>(got) : 0;
-    }
+    std::fill(r.held, r.held + (r.last - r.first + 1), kNotRead);
+    load(r, 0, inOrder);
     r.slot = 0;
     r.position = 0;
     return 0;
@@ -198,12 +223,20 @@ VELMIO_API int readRecordSeq(VELMBlockReader *handle) {
     return readRecord(handle, handle->lastRequested + 1);
 }
 
-VELMIO_API int BlockIOFread(VELMBlockReader *handle, void *destination, unsigned int byteCount) {
-    if (!handle || handle->cacheSize == 0 || !destination) return 0;
+const unsigned char *velmio::takeBlockBytes(VELMBlockReader *handle, unsigned int byteCount) {
+    if (!handle || handle->cacheSize == 0) return nullptr;
     VELMBlockReader &r = *handle;
-    if (std::uint64_t{r.position} + byteCount > currentLength(r)) return 0;
-    std::memcpy(destination, r.block + r.offsets[r.slot] + r.position, byteCount);
+    if (std::uint64_t{r.position} + byteCount > currentLength(r)) return nullptr;
+    const char *bytes = r.block + r.offsets[r.slot] + r.position;
     r.position += byteCount;
+    return reinterpret_cast<const unsigned char *>(bytes);
+}
+
+VELMIO_API int BlockIOFread(VELMBlockReader *handle, void *destination, unsigned int byteCount) {
+    if (!destination) return 0;
+    const unsigned char *bytes = velmio::takeBlockBytes(handle, byteCount);
+    if (!bytes) return 0;
+    std::memcpy(destination, bytes, byteCount);
     return 1;
 }
 

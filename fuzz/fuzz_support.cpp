@@ -105,4 +105,6 @@ Bytes requireFile(const std::string &path) {
 
 std::wstring widen(const std::string &text) { return std::wstring(text.begin(), text.end()); }
 
+std::wstring memoryDirectory() { return L"/memory/Project/Vessel/2009-083/Line"; }
+
 }  // namespace velmio::fuzz

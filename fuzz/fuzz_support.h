@@ -45,6 +45,10 @@ Bytes readFile(const std::string &path);
 // whose library call did not produce its file stops the run loudly.
 Bytes requireFile(const std::string &path);
 
+// The line directory at which targets mount an input's files in memory
+// (its name parses as project, vessel, day and line).
+std::wstring memoryDirectory();
+
 // ASCII paths of the scratch directory as the wide paths the library takes.
 std::wstring widen(const std::string &text);
 

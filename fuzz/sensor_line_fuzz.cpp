@@ -1,6 +1,6 @@
 // Fuzz targets of the line store and the sensor families: one input is the
-// files of one sensor in a line directory, read in query mode, edited and
-// saved in update mode, and read again. One source is built as several
+// files of one sensor of a line, mounted in memory, read in query mode,
+// edited and saved in update mode, and read again. One source is built as several
 // targets (VELMIO_FUZZ_LINE picks one), so that a reader can get a fuzzing
 // run of its own:
 //
@@ -17,6 +17,8 @@
 // single-file targets the file alone. The files start on 4-byte boundaries,
 // so word-wise mutations of the input hit whole XDR units.
 #include "fuzz_support.h"
+
+#include "linestore/memory_line.h"
 
 #include <velmio/navigation.h>
 #include <velmio/observed_depths.h>
@@ -339,15 +341,18 @@ Pass passOf(Kind kind) {
 
 const char *const kSuffixes[3] = {"", "LineSegments", "TmIdx"};
 
-// Query, update, then query again what the update saved.
+// Query, update, then query again what the update saved, all in memory.
 void runLine(const Family &f, const std::vector<Part> &parts) {
-    const std::string dir = velmio::fuzz::freshDirectory();
-    for (std::size_t i = 0; i < 3; ++i) velmio::fuzz::writeFile(dir + "/" + f.name + kSuffixes[i], parts[i]);
-    const std::wstring wdir = velmio::fuzz::widen(dir);
+    velmio::MemoryLine line;
+    line.data.assign(parts[0].data, parts[0].size);
+    line.segments.assign(parts[1].data, parts[1].size);
+    line.timeIndex.assign(parts[2].data, parts[2].size);
+    const std::wstring dir = velmio::fuzz::memoryDirectory();
+    const velmio::MountedLine mount(dir, velmio::fuzz::widen(f.name).c_str(), line);
     const Pass pass = passOf(f.kind);
-    pass(wdir, f, kQuery);
-    pass(wdir, f, kUpdate);
-    pass(wdir, f, kQuery);
+    pass(dir, f, kQuery);
+    pass(dir, f, kUpdate);
+    pass(dir, f, kQuery);
 }
 
 // The three files of a line of the family the library wrote, once per process.
@@ -362,7 +367,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (kCarried == Carried::AllThree) {
         parts = velmio::fuzz::unpack(data, size, 3);
     } else {
-        const std::vector<Bytes> &line = writtenLine(f);  // before freshDirectory() of runLine
+        const std::vector<Bytes> &line = writtenLine(f);
         for (const Bytes &file : line) parts.push_back({file.data(), file.size()});
         const std::size_t body = std::min<std::size_t>(4, size);
         parts[kCarried == Carried::TimeIndex ? 2 : 1] = {data + body, size - body};

@@ -1,8 +1,8 @@
 // Fuzz target of the side scan and processed depths families. One input is
-// the files of one line (byte 0 picks the kind: EM100, EM1000, ELAC or
-// trace-less side scan, or processed depths), read in query mode through
-// every reader, edited and saved in update mode, and read again; processed
-// depths also through the block reader. The same bytes are then taken as a
+// the files of one line held in memory (byte 0 picks the kind: EM100,
+// EM1000, ELAC or trace-less side scan, or processed depths), read in query
+// mode through every reader, edited and saved in update mode, and read
+// again; processed depths also through the block reader. The same bytes are then taken as a
 // trace file, as side scan and processed depths units to decode, and as a
 // ping's samples to turn into amplitude bytes for each sonar.
 #include "fuzz_support.h"
@@ -11,6 +11,8 @@
 #include <velmio/processed_depths.h>
 #include <velmio/side_scan.h>
 
+#include "linestore/memory_line.h"
+#include "platform/memory_file.h"
 #include "sensors/amplitude_bytes.h"
 #include "sensors/processed_depths_records.h"
 #include "sensors/side_scan_records.h"
@@ -135,16 +137,16 @@ void processedDepthsPass(const std::wstring &dir, const wchar_t *mode) {
     ProcessedDepthsClose(h);
 }
 
-// Query, update, then query again what the update saved.
+// Query, update, then query again what the update saved, all in memory.
 void runLine(const LineKind &kind, const std::vector<velmio::fuzz::Part> &parts) {
-    const std::string dir = velmio::fuzz::freshDirectory();
-    const std::string stem = dir + "/" + kind.name;
-    velmio::fuzz::writeFile(stem, parts[0]);
-    velmio::fuzz::writeFile(stem + "LineSegments", parts[1]);
-    velmio::fuzz::writeFile(stem + "TmIdx", parts[2]);
+    MemoryLine line;
+    line.data.assign(parts[0].data, parts[0].size);
+    line.segments.assign(parts[1].data, parts[1].size);
+    line.timeIndex.assign(parts[2].data, parts[2].size);
     if (kind.open == SideScanEM100OpenDir || kind.open == SideScanEM1000OpenDir)
-        velmio::fuzz::writeFile(stem + "Trace", parts[3]);
-    const std::wstring wdir = velmio::fuzz::widen(dir);
+        line.trace.assign(parts[3].data, parts[3].size);
+    const std::wstring wdir = velmio::fuzz::memoryDirectory();
+    const MountedLine mount(wdir, velmio::fuzz::widen(kind.name).c_str(), line);
     for (const wchar_t *mode : {L"query", L"update", L"query"}) {
         if (kind.open)
             sideScanPass(wdir, kind.open, mode);
@@ -154,8 +156,9 @@ void runLine(const LineKind &kind, const std::vector<velmio::fuzz::Part> &parts)
     if (kind.open) amplitudePass(wdir);
 }
 
-void readTraces(const std::string &path) {
-    std::FILE *f = std::fopen(path.c_str(), "rb");
+void readTraces(const std::uint8_t *data, std::size_t size) {
+    std::vector<unsigned char> bytes(data, data + size);
+    std::FILE *f = platform::openMemoryFile(bytes, "rb");
     if (!f) return;
     std::uint32_t count = 0;
     SideScanTrace t;
@@ -211,9 +214,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         unsetenv("VelmIOCacheSize");
     }
     runLine(kind, parts);
-    const std::string path = velmio::fuzz::freshDirectory() + "/SideScanTrace";
-    velmio::fuzz::writeFile(path, data, size);
-    readTraces(path);
+    readTraces(data, size);
     std::vector<std::uint32_t> words;
     for (std::size_t k = 0; k + 4 <= size && words.size() < kMaxWords; k += 4)
         words.push_back(std::uint32_t{data[k]} << 24 | std::uint32_t{data[k + 1]} << 16 |

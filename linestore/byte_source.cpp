@@ -17,36 +17,39 @@ bool FileSource::writeAt(std::uint64_t offset, const void *in, std::size_t n) {
 }
 
 std::int64_t MemorySource::readAt(std::uint64_t offset, void *out, std::size_t n) {
-    if (offset >= bytes_.size()) return 0;
-    const std::size_t got = std::min<std::uint64_t>(n, bytes_.size() - offset);
-    std::memcpy(out, bytes_.data() + offset, got);
+    const std::vector<unsigned char> &bytes = *bytes_;
+    if (offset >= bytes.size()) return 0;
+    const std::size_t got = std::min<std::uint64_t>(n, bytes.size() - offset);
+    std::memcpy(out, bytes.data() + offset, got);
     return static_cast<std::int64_t>(got);
 }
 
 bool MemorySource::writeAt(std::uint64_t offset, const void *in, std::size_t n) {
+    std::vector<unsigned char> &bytes = *bytes_;
     try {
-        if (bytes_.size() < offset + n) bytes_.resize(offset + n);
+        if (bytes.size() < offset + n) bytes.resize(offset + n);
     } catch (const std::bad_alloc &) {
         return false;
     }
-    std::memcpy(bytes_.data() + offset, in, n);
+    std::memcpy(bytes.data() + offset, in, n);
     return true;
 }
 
 const unsigned char *ReadWindow::refill(ByteSource &source, std::uint64_t offset, std::size_t n,
                                         std::size_t ahead) {
-    const std::size_t want = std::max(n, std::min(ahead, kWindowBytes));
-    try {
-        if (bytes_.size() < want) bytes_.resize(std::max(want, kWindowBytes));
-    } catch (const std::bad_alloc &) {
-        return nullptr;
-    }
+    const std::size_t want = std::max(n, std::min(ahead, kBulkWindowBytes));
     length_ = 0;
-    const std::int64_t got = source.readAt(offset, bytes_.data(), want);
+    if (capacity_ < want) {
+        const std::size_t capacity = std::max(want, kWindowBytes);
+        bytes_.reset(new (std::nothrow) unsigned char[capacity]);
+        capacity_ = bytes_ ? capacity : 0;
+        if (!bytes_) return nullptr;
+    }
+    const std::int64_t got = source.readAt(offset, bytes_.get(), want);
     if (got < static_cast<std::int64_t>(n)) return nullptr;
     start_ = offset;
     length_ = static_cast<std::size_t>(got);
-    return bytes_.data();
+    return bytes_.get();
 }
 
 void AppendBuffer::start(ByteSource *sink, std::uint64_t offset) {

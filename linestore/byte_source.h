@@ -55,34 +55,50 @@ private:
 
 class MemorySource final : public ByteSource {
 public:
-    explicit MemorySource(std::vector<unsigned char> bytes = {}) : bytes_(std::move(bytes)) {}
+    explicit MemorySource(std::vector<unsigned char> bytes = {}) : own_(std::move(bytes)), bytes_(&own_) {}
+    // Reads and writes the caller's bytes, which must outlive the source.
+    explicit MemorySource(std::vector<unsigned char> *shared) : bytes_(shared) {}
+    MemorySource(const MemorySource &) = delete;
+    MemorySource &operator=(const MemorySource &) = delete;
     std::int64_t readAt(std::uint64_t offset, void *out, std::size_t n) override;
     bool writeAt(std::uint64_t offset, const void *in, std::size_t n) override;
-    const std::vector<unsigned char> &bytes() const { return bytes_; }
+    const std::vector<unsigned char> &bytes() const { return *bytes_; }
 
 private:
-    std::vector<unsigned char> bytes_;
+    std::vector<unsigned char> own_;
+    std::vector<unsigned char> *bytes_;
 };
 
 constexpr std::size_t kWindowBytes = 64 * 1024;
+// Bulk reads of many records refill this much at a time: few reads, and a
+// window that stays in the cache while its records are decoded.
+constexpr std::size_t kBulkWindowBytes = 256 * 1024;
 
-// A window of up to 64 KiB over a source for sequential and ranged reads,
-// refilled with one positioned read when the bytes asked for lie outside it.
+// A window of up to 64 KiB (kBulkWindowBytes for bulk reads) over a source
+// for sequential and ranged reads, refilled with one positioned read when
+// the bytes asked for lie outside it.
 class ReadWindow {
 public:
     // n bytes at offset, reading ahead at most `ahead` bytes (at least n)
     // on a refill; null when the source fails or ends before them.
     const unsigned char *at(ByteSource &source, std::uint64_t offset, std::size_t n,
                             std::size_t ahead = kWindowBytes) {
-        if (offset >= start_ && offset - start_ + n <= length_) return bytes_.data() + (offset - start_);
+        if (offset >= start_ && offset - start_ + n <= length_) return bytes_.get() + (offset - start_);
         return refill(source, offset, n, ahead);
     }
     void invalidate() { length_ = 0; }
+    // The bytes the window holds from offset on (0 when it lies outside).
+    std::size_t held(std::uint64_t offset) const {
+        return offset >= start_ && offset - start_ < length_ ? length_ - static_cast<std::size_t>(offset - start_) : 0;
+    }
 
 private:
     const unsigned char *refill(ByteSource &source, std::uint64_t offset, std::size_t n, std::size_t ahead);
 
-    std::vector<unsigned char> bytes_;
+    // Not value-initialised: a bulk read's first refill does not clear what
+    // it is about to overwrite.
+    std::unique_ptr<unsigned char[]> bytes_;
+    std::size_t capacity_ = 0;
     std::uint64_t start_ = 0;
     std::size_t length_ = 0;
 };

@@ -5,8 +5,10 @@
 
 #include "encoding/rounding.h"
 #include "foundation/diagnostics.h"
+#include "linestore/memory_line.h"
 #include "platform/durable_replace.h"
 #include "platform/files.h"
+#include "platform/stdio_file.h"
 
 #include <cerrno>
 #include <cstdint>
@@ -60,32 +62,78 @@ void sayIf(const char *message) {
 
 }  // namespace
 
+namespace {
+
+// The name as it travels: 8-bit characters, others as '?'.
+std::string narrowName(const std::wstring &name) {
+    std::string narrow;
+    for (wchar_t c : name) narrow += (c >= 0 && c < 256) ? static_cast<char>(c) : '?';
+    return narrow;
+}
+
+// The file form of the handle's segments; false when a unit does not encode.
+bool encodeSegments(TOVO_Sensor &h, const SegmentFileFormat &f, std::vector<unsigned char> &out) {
+    std::size_t size = 20;
+    for (_TOVO_LnSeg *s = h.firstSegment; s; s = s->next)
+        size += 20 + (narrowName(s->name).size() + 3) / 4 * 4 + 8 * static_cast<std::size_t>(f.extentCount);
+    if (size > 0xFFFFFFFFu) return false;
+    out.assign(size, 0);
+    XDR x;
+    xdrmem_create(&x, reinterpret_cast<char *>(out.data()), static_cast<unsigned int>(size), XDR_ENCODE);
+    int count = static_cast<int>(h.segmentCount);
+    bool ok = TOVO_WriteLnSegValidationRecord(&h, &x) == 0 && xdr_int(&x, &count);
+    for (_TOVO_LnSeg *s = h.firstSegment; s && ok; s = s->next) {
+        std::string narrow = narrowName(s->name);
+        unsigned int length = static_cast<unsigned int>(narrow.size());
+        char *text = narrow.data();
+        ok = xdr_u_int(&x, &s->status) && xdr_u_int(&x, &length) && xdr_string(&x, &text, length) &&
+             xdr_u_int(&x, &s->firstRecord) && xdr_u_int(&x, &s->lastRecord);
+        for (int k = 0; k < f.extentCount && ok; ++k) {
+            int lo = encodeExtent(h, f.kinds[k], s->extents[k].min);
+            int hi = encodeExtent(h, f.kinds[k], s->extents[k].max);
+            ok = xdr_int(&x, &lo) && xdr_int(&x, &hi);
+        }
+    }
+    ok = ok && xdr_getpos(&x) == size;
+    xdr_destroy(&x);
+    return ok;
+}
+
+// The whole file, from the disk or the mounted line: 0, errno when it cannot
+// be opened, or -1 when it was read but did not close.
+int segmentFileBytes(const TOVO_Sensor &h, std::vector<unsigned char> &bytes) {
+    if (h.memory) {
+        if (!h.memory->segments.exists) return ENOENT;
+        bytes = h.memory->segments.bytes;
+        return 0;
+    }
+    std::FILE *file = platform::openFile(h.segmentPath.c_str(), "rb");
+    if (!file) return errno != 0 ? errno : ENOENT;
+    const std::int64_t size = platform::fileSize(file);
+    // A read that stops early leaves the bytes cut there, and the parse
+    // names the field the file ends in.
+    bytes.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
+    bytes.resize(bytes.empty() ? 0 : platform::readFile(bytes.data(), 1, bytes.size(), file));
+    return std::fclose(file) == 0 ? 0 : -1;
+}
+
+}  // namespace
+
 int writeLineSegmentFile(TOVO_Sensor &h, const SegmentFileFormat &f) {
+    std::vector<unsigned char> bytes;
+    const bool encoded = encodeSegments(h, f, bytes);
+    if (h.memory) {
+        if (!encoded) return f.notWritten;
+        h.memory->segments.bytes.swap(bytes);
+        h.memory->segments.exists = true;
+        return 0;
+    }
     // Replaced through a temporary: a status save that fails part way must
     // leave the previous segment file, never a cut one.
-    bool opened = false, ok = true;
+    bool opened = false, ok = encoded;
     const int error = platform::replaceFile(h.segmentPath, [&](std::FILE *file) {
         opened = true;
-        XDR x;
-        xdrstdio_create(&x, file, XDR_ENCODE);
-        int count = static_cast<int>(h.segmentCount);
-        ok = TOVO_WriteLnSegValidationRecord(&h, &x) == 0 && xdr_int(&x, &count);
-        std::string narrow;
-        for (_TOVO_LnSeg *s = h.firstSegment; s && ok; s = s->next) {
-            // Names travel as 8-bit characters; others become '?'.
-            narrow.clear();
-            for (wchar_t c : s->name) narrow += (c >= 0 && c < 256) ? static_cast<char>(c) : '?';
-            unsigned int length = static_cast<unsigned int>(narrow.size());
-            char *text = narrow.data();
-            ok = xdr_u_int(&x, &s->status) && xdr_u_int(&x, &length) && xdr_string(&x, &text, length) &&
-                 xdr_u_int(&x, &s->firstRecord) && xdr_u_int(&x, &s->lastRecord);
-            for (int k = 0; k < f.extentCount && ok; ++k) {
-                int lo = encodeExtent(h, f.kinds[k], s->extents[k].min);
-                int hi = encodeExtent(h, f.kinds[k], s->extents[k].max);
-                ok = xdr_int(&x, &lo) && xdr_int(&x, &hi);
-            }
-        }
-        xdr_destroy(&x);
+        if (ok && !bytes.empty()) ok = platform::writeFile(bytes.data(), bytes.size(), 1, file) == 1;
         return ok ? 0 : (errno != 0 ? errno : EIO);
     });
     if (!opened) return openFailure(h, f, error);
@@ -94,14 +142,24 @@ int writeLineSegmentFile(TOVO_Sensor &h, const SegmentFileFormat &f) {
 }
 
 int readLineSegmentFile(TOVO_Sensor &h, const SegmentFileFormat &f) {
-    std::FILE *file = platform::openFile(h.segmentPath.c_str(), "rb");
-    if (!file) return openFailure(h, f, errno);
-    const std::int64_t size = platform::fileSize(file);
+    std::vector<unsigned char> bytes;
+    const int got = segmentFileBytes(h, bytes);
+    if (got > 0) return openFailure(h, f, got);
+    if (int rc = parseLineSegments(h, f, bytes)) return rc;
+    if (got != 0) {
+        sayIf(f.closeMessage);
+        return f.closeFailed;
+    }
+    return 0;
+}
+
+int parseLineSegments(TOVO_Sensor &h, const SegmentFileFormat &f, std::vector<unsigned char> &bytes) {
+    const std::int64_t size = static_cast<std::int64_t>(bytes.size());
+    if (bytes.size() > 0xFFFFFFFFu) return f.invalid;
     XDR x;
-    xdrstdio_create(&x, file, XDR_DECODE);
+    xdrmem_create(&x, reinterpret_cast<char *>(bytes.data()), static_cast<unsigned int>(bytes.size()), XDR_DECODE);
     auto fail = [&](const char *message, int code) {
         sayIf(message);
-        std::fclose(file);
         return code;
     };
     int count = 0;
@@ -117,8 +175,8 @@ int readLineSegmentFile(TOVO_Sensor &h, const SegmentFileFormat &f) {
         if (!xdr_u_int(&x, &s->status)) return fail(field(0), f.invalid);
         unsigned int length = 0;
         if (!xdr_u_int(&x, &length)) return fail(field(1), f.invalid);
-        const long here = std::ftell(file);
-        if (here < 0 || static_cast<std::int64_t>(length) > size - here) return fail(field(2), f.invalid);
+        const std::int64_t here = xdr_getpos(&x);
+        if (static_cast<std::int64_t>(length) > size - here) return fail(field(2), f.invalid);
         try {
             name.assign(static_cast<std::size_t>(length) + 1, '\0');
         } catch (const std::bad_alloc &) {
@@ -138,10 +196,6 @@ int readLineSegmentFile(TOVO_Sensor &h, const SegmentFileFormat &f) {
             s->extents[k].min = decodeExtent(h, f.kinds[k], lo);
             s->extents[k].max = decodeExtent(h, f.kinds[k], hi);
         }
-    }
-    if (std::fclose(file) != 0) {
-        sayIf(f.closeMessage);
-        return f.closeFailed;
     }
     return 0;
 }

@@ -8,6 +8,8 @@
 #include "linestore/sensor.h"
 #include "platform/system_error.h"
 
+#include <vector>
+
 namespace velmio {
 
 // How an extent travels: times against the reference time and time scale,
@@ -43,6 +45,8 @@ int writeLineSegmentFile(TOVO_Sensor &h, const SegmentFileFormat &format);
 // Appends the file's segments to the handle. Counts and name lengths are
 // checked against the file size before anything is allocated from them.
 int readLineSegmentFile(TOVO_Sensor &h, const SegmentFileFormat &format);
+// The same from the file's bytes (the XDR decoder takes them mutable).
+int parseLineSegments(TOVO_Sensor &h, const SegmentFileFormat &format, std::vector<unsigned char> &bytes);
 
 // Starts a segment named name whose first record is firstRecord (create mode
 // checks are the family's). 0 or 5000009.

@@ -13,6 +13,9 @@
 
 namespace velmio {
 
+class ByteSource;
+struct MemoryLine;
+
 // Extents are (minimum, maximum) pairs of doubles; the families use up to
 // three (navigation: time, latitude, longitude).
 constexpr int kMaxExtents = 4;
@@ -72,6 +75,8 @@ struct TOVO_Sensor {
     char *dataBuffer = nullptr;  // the data file's 64 KiB stdio buffer; freed after the file is closed
     std::wstring tracePath;  // ids 9 and 10 only
     std::FILE *traceFile = nullptr;
+    velmio::MemoryLine *memory = nullptr;      // the files held in memory, when mounted (memory_line.h)
+    velmio::ByteSource *dataSource = nullptr;  // the data file's bytes, once the family opened it
     // Summary words every family has: status and record (or profile) count.
     std::uint32_t summaryStatus = 0;
     std::uint32_t recordCount = 0;
@@ -98,6 +103,10 @@ namespace velmio {
 
 // The sensor name of a type id (after the 32787 substitution), or null.
 const wchar_t *sensorName(std::uint32_t typeId);
+
+// Checks a data file's 16-byte validation record against the handle's type
+// and takes its format version: 0 or 5000027.
+int checkDataValidationRecord(TOVO_Sensor &h, const unsigned char *bytes);
 
 }  // namespace velmio
 

@@ -5,8 +5,10 @@
 
 #include "foundation/diagnostics.h"
 #include "foundation/wide_copy.h"
+#include "linestore/memory_line.h"
 #include "linestore/sensor.h"
 #include "platform/files.h"
+#include "platform/memory_file.h"
 #include "platform/system_error.h"
 
 #include <cerrno>
@@ -58,6 +60,17 @@ std::wstring joined(const std::wstring &dir, const wchar_t *name) {
     return path.str();
 }
 
+// One of a sensor's files, from the disk or from a mounted line; errno
+// tells why it failed, as for a file.
+std::FILE *openSensorFile(MemoryLine *memory, MemoryFile *file, const std::wstring &path, std::uint32_t mode) {
+    if (!memory) return platform::openFile(path.c_str(), stdioMode(mode));
+    if (!file->exists) {
+        errno = ENOENT;
+        return nullptr;
+    }
+    return platform::openMemoryFile(file->bytes, stdioMode(mode));
+}
+
 }  // namespace
 
 const wchar_t *sensorName(std::uint32_t typeId) {
@@ -80,20 +93,26 @@ extern "C" VELMIO_API TOVO_Sensor *SensorOpenDir(const wchar_t *lineDirectory, u
             error = 5000021;
             return nullptr;
         }
-        if (!lineDirectory || !platform::pathExists(lineDirectory)) {
+        const wchar_t *name = sensorName(sensorTypeId);
+        MemoryLine *memory = lineDirectory && name ? mountedLine(joined(lineDirectory, name)) : nullptr;
+        if (memory && mode != VELMIO_ACCESS_QUERY && mode != VELMIO_ACCESS_UPDATE) {
+            error = 5000021;  // a line in memory is read and edited, never written afresh
+            return nullptr;
+        }
+        if (!memory && (!lineDirectory || !platform::pathExists(lineDirectory))) {
             say("VELMio:SensorOpenDir(type = %d): Unable to find directory %s\n", static_cast<int>(sensorTypeId),
                 printable(lineDirectory).c_str());
             error = 5000010;
             return nullptr;
         }
-        const wchar_t *name = sensorName(sensorTypeId);
         if (!name) {
             error = 5000022;
             return nullptr;
         }
         const std::uint32_t accessMode = static_cast<std::uint32_t>(mode);
         std::wstring dataPath = joined(lineDirectory, name);
-        if (accessMode != VELMIO_ACCESS_CREATE && !platform::pathExists(dataPath.c_str())) {
+        const bool dataExists = memory ? memory->data.exists : platform::pathExists(dataPath.c_str());
+        if (accessMode != VELMIO_ACCESS_CREATE && !dataExists) {
             error = 5000046;
             return nullptr;
         }
@@ -102,14 +121,14 @@ extern "C" VELMIO_API TOVO_Sensor *SensorOpenDir(const wchar_t *lineDirectory, u
         std::FILE *trace = nullptr;
         if (sensorTypeId == 9 || sensorTypeId == 10) {
             tracePath = dataPath + L"Trace";
-            trace = platform::openFile(tracePath.c_str(), stdioMode(accessMode));
+            trace = openSensorFile(memory, memory ? &memory->trace : nullptr, tracePath, accessMode);
             if (!trace) {
                 error = 5000024;
                 return nullptr;
             }
         }
         std::wstring timeIndexPath = dataPath + L"TmIdx";
-        std::FILE *data = platform::openFile(dataPath.c_str(), stdioMode(accessMode));
+        std::FILE *data = openSensorFile(memory, memory ? &memory->data : nullptr, dataPath, accessMode);
         if (!data) {
             const int err = errno;
             if (trace) std::fclose(trace);
@@ -125,8 +144,10 @@ extern "C" VELMIO_API TOVO_Sensor *SensorOpenDir(const wchar_t *lineDirectory, u
         }
         // Sequential access should cost about one system call per 64 KiB;
         // stdio ignores the size unless it is given the buffer itself.
-        h->dataBuffer = static_cast<char *>(std::malloc(kDataBufferSize));
-        if (h->dataBuffer) std::setvbuf(data, h->dataBuffer, _IOFBF, kDataBufferSize);
+        if (!memory) {
+            h->dataBuffer = static_cast<char *>(std::malloc(kDataBufferSize));
+            if (h->dataBuffer) std::setvbuf(data, h->dataBuffer, _IOFBF, kDataBufferSize);
+        }
         h->typeId = recordedType(sensorTypeId);
         h->formatVersion = 1;
         h->accessMode = accessMode;
@@ -135,6 +156,7 @@ extern "C" VELMIO_API TOVO_Sensor *SensorOpenDir(const wchar_t *lineDirectory, u
         h->dataFile = data;
         h->tracePath = std::move(tracePath);
         h->traceFile = trace;
+        h->memory = memory;
         h->segmentPath = std::move(segmentPath);
         h->timeIndexPath = std::move(timeIndexPath);
         h->encodeValue = TOVO_EncodeMeters;

@@ -5,6 +5,7 @@
 #include "platform/durable_replace.h"
 #include "platform/file_io.h"
 #include "platform/files.h"
+#include "platform/large_buffer.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -42,6 +43,8 @@ TimeIndex &TimeIndex::operator=(TimeIndex &&o) noexcept {
         rooms_ = std::move(o.rooms_);
         entryCount_ = o.entryCount_;
         uniform_ = o.uniform_;
+        image_ = std::move(o.image_);
+        o.image_ = Image{};
         o.setCount_ = 0;
         o.first_ = o.last_ = nullptr;
         o.sets_.clear();
@@ -53,7 +56,10 @@ TimeIndex &TimeIndex::operator=(TimeIndex &&o) noexcept {
     return *this;
 }
 
-_TOVO_TmIdxSet *TimeIndex::allocSet() { return allocSet(capacity_); }
+_TOVO_TmIdxSet *TimeIndex::allocSet() {
+    materialise();
+    return allocSet(capacity_);
+}
 
 _TOVO_TmIdxSet *TimeIndex::allocSet(std::uint32_t room) {
     auto *set = static_cast<_TOVO_TmIdxSet *>(std::malloc(sizeof(_TOVO_TmIdxSet)));
@@ -99,6 +105,7 @@ _TOVO_TmIdxSet *TimeIndex::allocSet(std::uint32_t room) {
 }
 
 void TimeIndex::clear() {
+    dropImage();
     _TOVO_TmIdxSet *s = first_;
     while (s) {
         _TOVO_TmIdxSet *next = s->next;
@@ -116,6 +123,7 @@ void TimeIndex::clear() {
 }
 
 int TimeIndex::append(std::int32_t encodedTime, std::uint32_t byteOffset) {
+    materialise();
     if (!last_ || last_->count == kFullSet) {
         if (!allocSet()) return kTmIdxNoMemory;
     }
@@ -137,6 +145,7 @@ int TimeIndex::append(std::int32_t encodedTime, std::uint32_t byteOffset) {
 
 std::uint32_t TimeIndex::appendRun(const std::int32_t *encodedTimes, std::uint32_t n, std::uint32_t firstOffset,
                                    std::uint32_t stride) {
+    materialise();
     std::uint32_t done = 0;
     while (done < n) {
         _TOVO_TmIdxSet *set = last_;
@@ -166,7 +175,12 @@ std::uint32_t TimeIndex::appendRun(const std::int32_t *encodedTimes, std::uint32
     return done;
 }
 
-const TOVO_TmIdxEntry *TimeIndex::entry(std::uint32_t n) const {
+const TOVO_TmIdxEntry *TimeIndex::entry(std::uint32_t n) {
+    materialise();
+    return chainEntry(n);
+}
+
+const TOVO_TmIdxEntry *TimeIndex::chainEntry(std::uint32_t n) const {
     if (n == 0 || n > entryCount_ || sets_.empty()) return nullptr;
     const std::uint32_t index = n - 1;
     std::size_t s;
@@ -185,13 +199,20 @@ const TOVO_TmIdxEntry *TimeIndex::entry(std::uint32_t n) const {
 
 int TimeIndex::map(std::uint32_t recordNumber, std::uint32_t &byteOffset) const {
     if (recordNumber == 0) return kTmIdxRecordZero;
-    const TOVO_TmIdxEntry *e = entry(recordNumber);
+    if (image_.bytes) {
+        const unsigned char *e = recordNumber <= entryCount_ ? imageEntry(recordNumber - 1) : nullptr;
+        if (!e) return kTmIdxNotFound;
+        byteOffset = loadBe32(e + 4);
+        return 0;
+    }
+    const TOVO_TmIdxEntry *e = chainEntry(recordNumber);
     if (!e) return kTmIdxNotFound;
     byteOffset = e->byteOffset;
     return 0;
 }
 
 int TimeIndex::writeTo(std::FILE *file, std::uint32_t typeId, std::uint32_t formatVersion) {
+    materialise();
     // The header and set headers in one write, then the sets' arrays
     // gathered a megabyte at a time: a long line has tens of thousands of
     // sets, and a write per set made its close syscall-bound.
@@ -295,6 +316,19 @@ struct DescriptorReader final : TimeIndex::ChunkReader {
 
 constexpr std::size_t kHeaderBytes = 24;
 
+struct MemoryReader final : TimeIndex::ChunkReader {
+    MemoryReader(const unsigned char *b, std::size_t n) : bytes(b), left(n) {}
+    std::int64_t get(void *out, std::size_t n) override {
+        const std::size_t take = n < left ? n : left;
+        if (take) std::memcpy(out, bytes, take);
+        bytes += take;
+        left -= take;
+        return static_cast<std::int64_t>(take);
+    }
+    const unsigned char *bytes;
+    std::size_t left;
+};
+
 // The six header words; false when they do not describe a time index of typeId.
 bool parseHeader(const unsigned char *b, std::uint32_t typeId, std::uint32_t &sets, std::uint32_t &capacity) {
     sets = loadBe32(b + 16);
@@ -364,26 +398,18 @@ int TimeIndex::readFrom(std::FILE *file, std::uint32_t typeId) {
     return readBody(in, sets, capacity, remaining);
 }
 
-namespace {
-
-struct MemoryReader final : TimeIndex::ChunkReader {
-    MemoryReader(const unsigned char *b, std::size_t n) : bytes(b), left(n) {}
-    std::int64_t get(void *out, std::size_t n) override {
-        const std::size_t take = n < left ? n : left;
-        if (take) std::memcpy(out, bytes, take);
-        bytes += take;
-        left -= take;
-        return static_cast<std::int64_t>(take);
-    }
-    const unsigned char *bytes;
-    std::size_t left;
-};
-
-}  // namespace
-
 int TimeIndex::readBytes(const unsigned char *bytes, std::size_t size, std::uint32_t typeId) {
     std::uint32_t sets = 0, capacity = 0;
     if (!bytes || size < kHeaderBytes || !parseHeader(bytes, typeId, sets, capacity)) return kTmIdxInvalid;
+    // Copied once and mapped from, as a file read from the disk; what the
+    // checks refuse goes through the chain for its code.
+    if (!first_ && !image_.bytes) {
+        if (unsigned char *copy = platform::allocLargeBuffer(size)) {
+            std::memcpy(copy, bytes, size);
+            if (adoptImage(copy, size, sets, capacity)) return 0;
+            platform::freeLargeBuffer(copy);
+        }
+    }
     MemoryReader in(bytes + kHeaderBytes, size - kHeaderBytes);
     return readBody(in, sets, capacity, static_cast<std::int64_t>(size - kHeaderBytes));
 }
@@ -391,19 +417,127 @@ int TimeIndex::readBytes(const unsigned char *bytes, std::size_t size, std::uint
 int TimeIndex::read(const wchar_t *path, std::uint32_t typeId) {
     const int fd = platform::openForReading(path);
     if (fd < 0) return kTmIdxCannotOpen;
-    DescriptorReader in(fd);
-    unsigned char header[kHeaderBytes];
-    std::uint32_t sets = 0, capacity = 0;
-    int rc = 0;
-    const std::int64_t size = platform::sizeOf(fd);
-    if (in.get(header, kHeaderBytes) != static_cast<std::int64_t>(kHeaderBytes) ||
-        !parseHeader(header, typeId, sets, capacity)) {
-        rc = kTmIdxInvalid;
-    } else {
-        rc = readBody(in, sets, capacity, size >= 0 ? size - static_cast<std::int64_t>(kHeaderBytes) : 0);
-    }
+    int rc = readWhole(fd, typeId);
     if (!platform::closeFile(fd) && rc == 0) rc = kTmIdxCloseFailed;
     return rc;
+}
+
+int TimeIndex::readWhole(int fd, std::uint32_t typeId) {
+    const std::int64_t size = platform::sizeOf(fd);
+    const bool empty = !first_ && !image_.bytes;
+    unsigned char *bytes = empty && size >= static_cast<std::int64_t>(kHeaderBytes) &&
+                                   static_cast<std::uint64_t>(size) <= static_cast<std::size_t>(-1)
+                               ? platform::allocLargeBuffer(static_cast<std::size_t>(size))
+                               : nullptr;
+    unsigned char header[kHeaderBytes];
+    std::uint32_t sets = 0, capacity = 0;
+    if (!bytes) {
+        // Block by block into the chain, as a file too large to hold whole.
+        DescriptorReader in(fd);
+        if (in.get(header, kHeaderBytes) != static_cast<std::int64_t>(kHeaderBytes) ||
+            !parseHeader(header, typeId, sets, capacity))
+            return kTmIdxInvalid;
+        return readBody(in, sets, capacity, size >= 0 ? size - static_cast<std::int64_t>(kHeaderBytes) : 0);
+    }
+    // The whole file in one read; the checks run over its bytes and the
+    // entries are used where they lie.
+    const std::int64_t got = platform::readNext(fd, bytes, static_cast<std::size_t>(size));
+    int rc = kTmIdxInvalid;
+    if (got >= static_cast<std::int64_t>(kHeaderBytes) && parseHeader(bytes, typeId, sets, capacity)) {
+        if (got == size && adoptImage(bytes, static_cast<std::size_t>(size), sets, capacity)) return 0;
+        // Refused (or changed under us): the chain decides the code and keeps
+        // what it read, exactly as a read block by block would.
+        MemoryReader in(bytes + kHeaderBytes, static_cast<std::size_t>(got) - kHeaderBytes);
+        rc = readBody(in, sets, capacity, size - static_cast<std::int64_t>(kHeaderBytes));
+    }
+    platform::freeLargeBuffer(bytes);
+    return rc;
+}
+
+// Takes the file's bytes as the index when readBody would accept them all;
+// false (nothing kept) otherwise.
+bool TimeIndex::adoptImage(unsigned char *bytes, std::size_t size, std::uint32_t sets, std::uint32_t capacity) {
+    const std::size_t remaining = size - kHeaderBytes;
+    if (std::uint64_t{sets} * 16 > remaining) return false;
+    const unsigned char *headers = bytes + kHeaderBytes;
+    std::uint64_t total = 0;
+    bool uniform = true;
+    for (std::uint32_t i = 0; i < sets; ++i) {
+        const std::uint32_t count = loadBe32(headers + 12 * std::size_t{i});
+        if (count > capacity) return false;
+        if (i + 1 < sets && count != kFullSet) uniform = false;
+        total += count;
+    }
+    if (total * 8 + std::uint64_t{sets} * 4 > remaining || total > 0xFFFFFFFFu) return false;
+    Image image;
+    std::vector<std::uint32_t> before;
+    try {
+        if (!uniform) {
+            image.arrayAt.reserve(sets);
+            before.reserve(sets);
+        }
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+    image.arrays = kHeaderBytes + 12 * std::size_t{sets};
+    std::size_t at = image.arrays;
+    std::uint32_t entries = 0;
+    for (std::uint32_t i = 0; i < sets; ++i) {
+        const std::uint32_t count = loadBe32(headers + 12 * std::size_t{i});
+        const std::size_t bytesOfSet = 4 + std::size_t{count} * 8;
+        if (size - at < bytesOfSet || loadBe32(bytes + at) != count) return false;
+        if (!uniform) {
+            image.arrayAt.push_back(at);
+            before.push_back(entries);
+        }
+        entries += count;
+        at += bytesOfSet;
+    }
+    image.bytes = bytes;
+    image.size = size;
+    image_ = std::move(image);
+    before_ = std::move(before);
+    capacity_ = capacity;
+    setCount_ = sets;
+    entryCount_ = entries;
+    uniform_ = uniform;
+    return true;
+}
+
+// Entry index (from 0, below entryCount_) in the file's bytes.
+const unsigned char *TimeIndex::imageEntry(std::uint32_t index) const {
+    if (uniform_) {
+        // Every set but the last holds 512: the entry's place is arithmetic.
+        const std::size_t s = index / kFullSet;
+        return image_.bytes + image_.arrays + s * (4 + 8 * std::size_t{kFullSet}) + 4 + 8 * std::size_t{index % kFullSet};
+    }
+    auto it = std::upper_bound(before_.begin(), before_.end(), index);
+    if (it == before_.begin()) return nullptr;
+    const std::size_t s = static_cast<std::size_t>(it - before_.begin()) - 1;
+    const std::uint32_t within = index - before_[s];
+    if (within >= loadBe32(image_.bytes + kHeaderBytes + 12 * s)) return nullptr;
+    return image_.bytes + image_.arrayAt[s] + 4 + 8 * std::size_t{within};
+}
+
+// Builds the set chain from the file's bytes, for callers that walk or
+// extend the sets.
+void TimeIndex::materialise() {
+    if (!image_.bytes) return;
+    Image image = std::move(image_);
+    image_ = Image{};
+    const std::uint32_t sets = setCount_;
+    setCount_ = 0;
+    entryCount_ = 0;
+    uniform_ = true;
+    before_.clear();
+    MemoryReader in(image.bytes + kHeaderBytes, image.size - kHeaderBytes);
+    readBody(in, sets, capacity_, static_cast<std::int64_t>(image.size - kHeaderBytes));
+    platform::freeLargeBuffer(image.bytes);
+}
+
+void TimeIndex::dropImage() {
+    platform::freeLargeBuffer(image_.bytes);
+    image_ = Image{};
 }
 
 }  // namespace velmio

@@ -2,7 +2,9 @@
 // file, with each record's encoded time. Kept as a chain of fixed-capacity
 // entry sets (appending never moves entries; one allocation serves 512
 // records) plus a directory of the sets, so that mapping a record number
-// costs the same at record 10 and at record 10,000,000.
+// costs the same at record 10 and at record 10,000,000. An index read from
+// its file maps from the file's bytes; the chain is built from them only for
+// callers that walk or extend the sets (first(), last(), entry(), appends).
 #ifndef VELMIO_LINESTORE_TIME_INDEX_H
 #define VELMIO_LINESTORE_TIME_INDEX_H
 
@@ -68,7 +70,7 @@ public:
     // 5000037 beyond the last entry. Prints nothing.
     int map(std::uint32_t recordNumber, std::uint32_t &byteOffset) const;
     // The entry of record n, or null.
-    const TOVO_TmIdxEntry *entry(std::uint32_t recordNumber) const;
+    const TOVO_TmIdxEntry *entry(std::uint32_t recordNumber);
 
     // The file form: "TOVO", type, 3, format version, set count, capacity,
     // the 12-byte set headers, then each set's entries as an XDR array.
@@ -78,7 +80,8 @@ public:
     // read() into an empty index: 0, 5000038, 5000039 (header mismatch, short
     // or inconsistent data), 5000009, 5000026. Counts are checked against the
     // file size before anything is allocated. On failure the sets read so far
-    // stay on the chain (clear() or the destructor releases them).
+    // stay on the chain (clear() or the destructor releases them). The file
+    // comes in one read where memory allows.
     int read(const wchar_t *path, std::uint32_t typeId);
     int readFrom(std::FILE *file, std::uint32_t typeId);
     // The same from the file's bytes in memory (an in-memory line): 0,
@@ -89,8 +92,14 @@ public:
     std::uint32_t capacity() const { return capacity_; }
     void setCapacity(std::uint32_t c) { capacity_ = c; }
     std::uint32_t entryCount() const { return entryCount_; }
-    _TOVO_TmIdxSet *first() const { return first_; }
-    _TOVO_TmIdxSet *last() const { return last_; }
+    _TOVO_TmIdxSet *first() {
+        materialise();
+        return first_;
+    }
+    _TOVO_TmIdxSet *last() {
+        materialise();
+        return last_;
+    }
 
     // Where read() and readFrom() take their bytes: up to n bytes, the count
     // read (fewer only at the end), or -1.
@@ -100,6 +109,21 @@ public:
     };
 
 private:
+    // read() keeps the file's bytes as they are and maps from them; the set
+    // chain is built from them only when something asks for the sets.
+    struct Image {
+        unsigned char *bytes = nullptr;  // the whole file
+        std::size_t size = 0;
+        std::size_t arrays = 0;             // where the first set's array begins
+        std::vector<std::size_t> arrayAt;  // each set's array, when the sets are not uniform
+    };
+    int readWhole(int fd, std::uint32_t typeId);
+    bool adoptImage(unsigned char *bytes, std::size_t size, std::uint32_t sets, std::uint32_t capacity);
+    void materialise();
+    void dropImage();
+    const unsigned char *imageEntry(std::uint32_t index) const;
+    const TOVO_TmIdxEntry *chainEntry(std::uint32_t recordNumber) const;
+
     _TOVO_TmIdxSet *allocSet(std::uint32_t room);
     // The file form after its header words, each set's entries taken with
     // one read; remaining is what the file holds behind the header.
@@ -116,6 +140,7 @@ private:
     std::vector<std::uint32_t> rooms_;  // entries each set has room for
     std::uint32_t entryCount_ = 0;
     bool uniform_ = true;  // every set but the last holds exactly 512 entries
+    Image image_;
 };
 
 }  // namespace velmio

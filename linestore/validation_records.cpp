@@ -28,20 +28,25 @@ extern "C" VELMIO_API int TOVO_WriteDataValidationRecord(TOVO_Sensor *handle) {
     return 0;
 }
 
+int velmio::checkDataValidationRecord(TOVO_Sensor &h, const unsigned char *bytes) {
+    constexpr int kFailed = 5000027;
+    XDR x;
+    xdrmem_create(&x, reinterpret_cast<char *>(const_cast<unsigned char *>(bytes)), 16, XDR_DECODE);
+    unsigned int magic, type, record, version;
+    if (!xdr_u_int(&x, &magic) || magic != kMagic || !xdr_u_int(&x, &type) || type != h.typeId ||
+        !xdr_u_int(&x, &record) || record != kDataRecord || !xdr_u_int(&x, &version))
+        return kFailed;
+    h.formatVersion = version;
+    return 0;
+}
+
 extern "C" VELMIO_API int TOVO_ReadDataValidationRecord(TOVO_Sensor *handle) {
     constexpr int kFailed = 5000027;
     if (!handle || !handle->dataFile) return kFailed;
-    char buffer[16];
+    unsigned char buffer[16];
     if (std::fseek(handle->dataFile, 0, SEEK_SET) != 0) return kFailed;
     if (std::fread(buffer, 4, 4, handle->dataFile) != 4) return kFailed;
-    XDR x;
-    xdrmem_create(&x, buffer, sizeof buffer, XDR_DECODE);
-    unsigned int magic, type, record, version;
-    if (!xdr_u_int(&x, &magic) || magic != kMagic || !xdr_u_int(&x, &type) || type != handle->typeId ||
-        !xdr_u_int(&x, &record) || record != kDataRecord || !xdr_u_int(&x, &version))
-        return kFailed;
-    handle->formatVersion = version;
-    return 0;
+    return checkDataValidationRecord(*handle, buffer);
 }
 
 extern "C" VELMIO_API int TOVO_WriteLnSegValidationRecord(TOVO_Sensor *handle, void *xdrStream) {

@@ -61,6 +61,15 @@ std::int64_t fileSize(const wchar_t *path) {
 std::int64_t fileSize(std::FILE *file) {
     if (!file) return -1;
     struct stat st;
+#if !defined(_WIN32)
+    if (fileno(file) < 0) {
+        // A stream over memory has no descriptor: its end is its size.
+        const long here = std::ftell(file);
+        if (here < 0 || std::fseek(file, 0, SEEK_END) != 0) return -1;
+        const long end = std::ftell(file);
+        return std::fseek(file, here, SEEK_SET) == 0 ? end : -1;
+    }
+#endif
 #if defined(_WIN32)
     if (::fstat(_fileno(file), &st) != 0) return -1;
 #else

@@ -7,8 +7,10 @@
 #include "encoding/rounding.h"
 #include "foundation/diagnostics.h"
 #include "foundation/wide_copy.h"
+#include "sensors/column_decode.h"
 #include "sensors/record_family.h"
 
+#include <algorithm>
 #include <new>
 
 namespace velmio {
@@ -362,10 +364,33 @@ int readRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int first, uns
     if (count == 0) return 0;
     if (!inRange(*h, first, count)) return f.records.code(kOutOfRange);
     const bool edited = isUpdate(*h);
-    auto at = [](auto *array, std::uint32_t i) { return array ? array + i : nullptr; };
-    return readRecords(*h, *s, first, count, [&](std::uint32_t i, const unsigned char *bytes) {
-        decodeRecord(*h, bytes, at(times, i), at(latitudes, i), at(longitudes, i), at(metres, i), at(statuses, i));
-        if (statuses && edited) statuses[i] = h->shadowStatus[first + i];
+    // decodeRecord's arithmetic, a field at a time, with the handle's scales in locals.
+    const double timeScale = h->timeScale, referenceTime = h->referenceTime * 60.0;
+    const double positionScale = h->positionScale;
+    const double referenceLatitude = h->referenceLatitude * 1e-7, referenceLongitude = h->referenceLongitude * 1e-7;
+    auto position = [positionScale](double reference) {
+        return [positionScale, reference](std::uint32_t w) {
+            return static_cast<double>(static_cast<std::int32_t>(w)) * positionScale * 1e-9 + reference;
+        };
+    };
+    auto decode = [&](std::uint32_t i, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+        auto slots = [i](auto *array) { return array ? array + i : nullptr; };
+        fillColumn(slots(times), run, w[1], [timeScale, referenceTime](std::uint32_t u) {
+            return static_cast<double>(static_cast<std::int32_t>(u)) / timeScale + referenceTime;
+        });
+        fillColumn(slots(latitudes), run, w[2], position(referenceLatitude));
+        fillColumn(slots(longitudes), run, w[3], position(referenceLongitude));
+        fillColumn(slots(metres), run, w[4], [](std::uint32_t u) { return static_cast<std::int32_t>(u) / 1000.0; });
+        if (statuses && edited)
+            std::copy_n(h->shadowStatus + first + i, run, statuses + i);
+        else
+            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u; });
+    };
+    return readRecordBatches(*h, *s, first, count, [&](std::uint32_t i, const unsigned char *bytes, std::uint32_t n) {
+        forEachRun<5>(bytes, n, kRecordBytes,
+                      [&](std::uint32_t done, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+                          decode(i + done, run, w);
+                      });
         return 0;
     });
 }

@@ -3,11 +3,12 @@
 #include <velmio/linestore.h>
 #include <velmio/observed_depths.h>
 
+#include "sensors/column_decode.h"
 #include "sensors/profile_bulk.h"
 #include "sensors/profile_cursor.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <new>
 
 using namespace velmio;
@@ -63,15 +64,6 @@ const ProfileFamily kObservedDepths = {
 };
 
 int enter(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enterProfile(h, kObservedDepths, modes, s); }
-
-TOVO_Sensor *open(const wchar_t *lineDirectory, std::uint32_t id, const wchar_t *token, int *error) {
-    std::unique_ptr<ProfileState> state(new (std::nothrow) ProfileState(kObservedDepths));
-    if (!state) {
-        if (error) *error = kNoMemory;
-        return nullptr;
-    }
-    return openProfileSensor(lineDirectory, id, token, error, kObservedDepths, std::move(state));
-}
 
 bool inRange(std::uint32_t n, std::uint32_t count) { return n >= 1 && n <= count; }
 
@@ -166,51 +158,6 @@ const ProfileFamily &velmio::observedDepthsProfiles() { return kObservedDepths; 
 
 extern "C" {
 
-VELMIO_API TOVO_Sensor *ObservedDepthsOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken,
-                                              int *errorCode) {
-    return open(lineDirectory, 4, accessToken, errorCode);
-}
-
-VELMIO_API TOVO_Sensor *ObservedDepthsNewOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken,
-                                                 int *errorCode) {
-    return open(lineDirectory, 53, accessToken, errorCode);
-}
-
-VELMIO_API int ObservedDepthsSummary(TOVO_Sensor *handle, unsigned int *toolType, unsigned int *numberOfLineSegments,
-                                     unsigned int *numberOfProfiles, unsigned int *numberOfBeams, double *minTime,
-                                     double *maxTime, double *minDepth, double *maxDepth, unsigned int *status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    if (toolType) *toolType = s->familyWords[0];
-    if (numberOfLineSegments) *numberOfLineSegments = handle->segmentCount;
-    if (numberOfProfiles) *numberOfProfiles = handle->recordCount;
-    if (numberOfBeams) *numberOfBeams = s->itemCount;
-    if (minTime) *minTime = handle->extents[kTime].min;
-    if (maxTime) *maxTime = handle->extents[kTime].max;
-    if (minDepth) *minDepth = handle->extents[kDepth].min;
-    if (maxDepth) *maxDepth = handle->extents[kDepth].max;
-    if (status) *status = handle->summaryStatus;
-    return 0;
-}
-
-VELMIO_API int ObservedDepthsLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **sourceName,
-                                         unsigned int *beginIndex, unsigned int *endIndex, double *minTime,
-                                         double *maxTime, double *minDepth, double *maxDepth, unsigned int *status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    if (!sourceName || !beginIndex || !endIndex || !minTime || !maxTime || !minDepth || !maxDepth || !status)
-        return -1;
-    Extent extents[2];
-    if (const int rc =
-            describeSegment(*handle, *s, segmentNumber, sourceName, beginIndex, endIndex, extents, 2, status))
-        return rc;
-    *minTime = extents[kTime].min;
-    *maxTime = extents[kTime].max;
-    *minDepth = extents[kDepth].min;
-    *maxDepth = extents[kDepth].max;
-    return 0;
-}
-
 VELMIO_API int ObservedDepthsReadProfile(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int *numberOfBeams,
                                          unsigned int *firstBeam, double *time, double *angle1, double *angle2,
                                          unsigned int *status) {
@@ -259,39 +206,46 @@ VELMIO_API int ObservedDepthsReadSeq(TOVO_Sensor *handle, double *time, double *
     return 0;
 }
 
-VELMIO_API int ObservedDepthsReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
-                                          unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
-                                          double *angles1, double *angles2, unsigned int *statuses) {
-    return readAngleProfiles(handle, kObservedDepths, ObservedDepthsReadProfile, firstProfile, count, numberOfBeams, firstBeams,
-                             times, angles1, angles2, statuses);
-}
-
 VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
                                        unsigned int beamCapacity, unsigned int *beamOffsets, double *times,
                                        double *ys, double *xs, double *depths, double *extras,
                                        unsigned int *statuses) {
     auto beamsOf = angleProfileBeams(handle, ObservedDepthsReadProfile);
     const ProfileState *s = stateOf<ProfileState>(handle, kObservedDepths);
-    auto decode = [&](const std::uint32_t *words, std::uint32_t k) {
-        const Beam b = decodeBeam(*s, words);
-        if (times) times[k] = b.time;
-        if (ys) ys[k] = b.y;
-        if (xs) xs[k] = b.x;
-        if (depths) depths[k] = b.depth;
-        if (extras) extras[k] = b.extra;
-        if (statuses) statuses[k] = b.status;
+    auto decode = [&](const unsigned char *q, std::uint32_t n, std::uint32_t k, unsigned stride) {
+        if (s->geometry.countOnlyLayout) {
+            std::uint32_t words[kMaxRecordWords];
+            for (std::uint32_t j = 0; j < n; ++j, q += stride) {
+                for (unsigned w = 0; w < stride / 4; ++w) words[w] = loadBe32(q + 4 * w);
+                const Beam b = decodeBeam(*s, words);
+                if (times) times[k + j] = b.time;
+                if (ys) ys[k + j] = b.y;
+                if (xs) xs[k + j] = b.x;
+                if (depths) depths[k + j] = b.depth;
+                if (extras) extras[k + j] = b.extra;
+                if (statuses) statuses[k + j] = b.status;
+            }
+            return;
+        }
+        // decodeBeam's arithmetic, a field at a time.
+        const double ping = s->profileTime;
+        const std::int32_t scale = s->depthTimeScale;
+        auto metres = [](std::uint32_t w) { return decodeMetres(asSigned(w)); };
+        forEachRun<4>(q, n, stride, [&](std::uint32_t done, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+            auto slots = [k, done](auto *array) { return array ? array + k + done : nullptr; };
+            fillColumn(slots(times), run, w[0], [ping, scale](std::uint32_t u) {
+                return decodeDepthTime(ping, scale, static_cast<std::int16_t>(u & 0xFFFFu));
+            });
+            fillColumn(slots(ys), run, w[3], metres);
+            fillColumn(slots(xs), run, w[2], metres);
+            fillColumn(slots(depths), run, w[1], metres);
+            if (extras) std::fill_n(extras + k + done, run, 0.0);
+            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u & 0xFFFF0000u; });
+        });
     };
     auto readable = [](std::uint32_t) { return true; };  // the range check covers it
-    return readBeamsInPlace(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf,
-                            readable, decode);
-}
-
-VELMIO_API int ObservedDepthsBgnSeqWriteSummary(TOVO_Sensor *handle) {
-    return profileBgnSeqWriteSummary(handle, kObservedDepths);
-}
-
-VELMIO_API int ObservedDepthsBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
-    return profileBgnSeqWriteLineSegment(handle, kObservedDepths, sourceName);
+    return readBeamBatches(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf,
+                           readable, decode);
 }
 
 VELMIO_API int ObservedDepthsBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams,
@@ -338,30 +292,6 @@ VELMIO_API int ObservedDepthsSeqWriteBeams(TOVO_Sensor *handle, unsigned int cou
             return ObservedDepthsSeqWrite(handle, times[i], ys[i], xs[i], depths[i], 0.0, 0.0,
                                           statuses ? statuses[i] : 0);
         });
-}
-
-VELMIO_API int ObservedDepthsEndSeqWriteProfile(TOVO_Sensor *handle) {
-    return profileEndSeqWriteProfile(handle, kObservedDepths);
-}
-
-VELMIO_API int ObservedDepthsEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
-    return profileEndSeqWriteLineSegment(handle, kObservedDepths, status);
-}
-
-VELMIO_API int ObservedDepthsEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
-    return profileEndSeqWriteSummary(handle, kObservedDepths, status);
-}
-
-VELMIO_API int ObservedDepthsSetToolType(TOVO_Sensor *handle, unsigned int toolType) {
-    return profileSetToolTypes(handle, kObservedDepths, kAnyMode, toolType, nullptr);
-}
-
-VELMIO_API int ObservedDepthsSetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
-    return profileSetSummaryStatus(handle, kObservedDepths, status);
-}
-
-VELMIO_API int ObservedDepthsSetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
-    return profileSetLineSegmentStatus(handle, kObservedDepths, segmentNumber, status);
 }
 
 VELMIO_API int ObservedDepthsUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,
@@ -435,16 +365,6 @@ VELMIO_API int ObservedDepthsSaveStatusToDisk(TOVO_Sensor *handle) {
     if (std::fflush(handle->dataFile) != 0) return kObservedDepths.code(kSeekFailed);
     s->statusDirty = false;
     return 0;
-}
-
-VELMIO_API int ObservedDepthsClose(TOVO_Sensor *handle) { return closeProfileSensor(handle, kObservedDepths, false); }
-
-VELMIO_API int ObservedDepthsRemoveDir(const wchar_t *lineDirectory) {
-    return SensorRemoveDir(lineDirectory, L"ObservedDepths");
-}
-
-VELMIO_API int ObservedDepthsNewRemoveDir(const wchar_t *lineDirectory) {
-    return SensorRemoveDir(lineDirectory, L"ObservedDepthsNew");
 }
 
 }  // extern "C"

@@ -6,13 +6,12 @@
 #include <velmio/linestore.h>
 #include <velmio/processed_depths.h>
 
-#include "sensors/cache_size.h"
 #include "sensors/processed_depths_records.h"
 #include "sensors/profile_bulk.h"
+#include "sensors/profile_forwarders.h"
 #include "sensors/profile_records.h"
 
 #include <cstdio>
-#include <memory>
 #include <new>
 
 using namespace velmio;
@@ -234,61 +233,7 @@ extern "C" {
 
 VELMIO_API TOVO_Sensor *ProcessedDepthsOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken,
                                                int *errorCode) {
-    std::unique_ptr<ProcessedState> state(new (std::nothrow) ProcessedState);
-    if (!state) {
-        if (errorCode) *errorCode = kNoMemory;
-        return nullptr;
-    }
-    ProcessedState *s = state.get();
-    TOVO_Sensor *h = openProfileSensor(lineDirectory, 0, accessToken, errorCode, kProcessedDepths, std::move(state));
-    if (!h || isWriting(*h)) return h;
-    // Set up once the time index is read, so that the cache is bounded by
-    // the line's profile count.
-    if (const int rc = initialise(h, cacheSizeFromEnvironment(), &s->reader)) {
-        closeProfileSensor(h, kProcessedDepths, false);
-        if (errorCode) *errorCode = rc;
-        return nullptr;
-    }
-    return h;
-}
-
-VELMIO_API int ProcessedDepthsClose(TOVO_Sensor *handle) {
-    return closeProfileSensor(handle, kProcessedDepths, true);
-}
-
-VELMIO_API int ProcessedDepthsSummary(TOVO_Sensor *handle, unsigned int *toolType, unsigned int *numberOfLineSegments,
-                                      unsigned int *numberOfProfiles, unsigned int *numberOfBeams, double *minTime,
-                                      double *maxTime, double *minDepth, double *maxDepth, unsigned int *status) {
-    ProcessedState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    if (toolType) *toolType = s->familyWords[0];
-    if (numberOfLineSegments) *numberOfLineSegments = handle->segmentCount;
-    if (numberOfProfiles) *numberOfProfiles = handle->recordCount;
-    if (numberOfBeams) *numberOfBeams = s->itemCount;
-    if (minTime) *minTime = handle->extents[kTime].min;
-    if (maxTime) *maxTime = handle->extents[kTime].max;
-    if (minDepth) *minDepth = handle->extents[kDepth].min;
-    if (maxDepth) *maxDepth = handle->extents[kDepth].max;
-    if (status) *status = handle->summaryStatus;
-    return 0;
-}
-
-VELMIO_API int ProcessedDepthsLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **sourceName,
-                                          unsigned int *beginIndex, unsigned int *endIndex, double *minTime,
-                                          double *maxTime, double *minDepth, double *maxDepth, unsigned int *status) {
-    ProcessedState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    if (!sourceName || !beginIndex || !endIndex || !minTime || !maxTime || !minDepth || !maxDepth || !status)
-        return -1;
-    Extent extents[2];
-    if (const int rc = describeSegment(*handle, *s, segmentNumber, sourceName, beginIndex, endIndex, extents, 2,
-                                       status))
-        return rc;
-    *minTime = extents[kTime].min;
-    *maxTime = extents[kTime].max;
-    *minDepth = extents[kDepth].min;
-    *maxDepth = extents[kDepth].max;
-    return 0;
+    return openCachedProfile<ProcessedState>(lineDirectory, 0, accessToken, errorCode, kProcessedDepths);
 }
 
 VELMIO_API int ProcessedDepthsReadProfile(TOVO_Sensor *handle, unsigned int profileNumber, ProcessedDepthsPing *ping,
@@ -364,14 +309,6 @@ VELMIO_API int ProcessedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstP
     return readBeams(handle, kProcessedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readOne);
 }
 
-VELMIO_API int ProcessedDepthsBgnSeqWriteSummary(TOVO_Sensor *handle, unsigned int toolType) {
-    return profileSetToolTypes(handle, kProcessedDepths, kCreateMode, toolType, nullptr);
-}
-
-VELMIO_API int ProcessedDepthsBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
-    return profileBgnSeqWriteLineSegment(handle, kProcessedDepths, sourceName);
-}
-
 VELMIO_API int ProcessedDepthsBgnSeqWriteProfile(TOVO_Sensor *handle, const ProcessedDepthsPing *ping,
                                                  const ProcessedDepthsHeads *heads,
                                                  const ProcessedDepthsPingUncertainty *uncertainty) {
@@ -422,30 +359,6 @@ VELMIO_API int ProcessedDepthsSeqWriteBeams(TOVO_Sensor *handle, unsigned int co
     });
 }
 
-VELMIO_API int ProcessedDepthsEndSeqWriteProfile(TOVO_Sensor *handle) {
-    return profileEndSeqWriteProfile(handle, kProcessedDepths);
-}
-
-VELMIO_API int ProcessedDepthsEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
-    return profileEndSeqWriteLineSegment(handle, kProcessedDepths, status);
-}
-
-VELMIO_API int ProcessedDepthsEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
-    return profileEndSeqWriteSummary(handle, kProcessedDepths, status);
-}
-
-VELMIO_API int ProcessedDepthsSetToolType(TOVO_Sensor *handle, unsigned int toolType) {
-    return profileSetToolTypes(handle, kProcessedDepths, kAnyMode, toolType, nullptr);
-}
-
-VELMIO_API int ProcessedDepthsSetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
-    return profileSetSummaryStatus(handle, kProcessedDepths, status);
-}
-
-VELMIO_API int ProcessedDepthsSetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
-    return profileSetLineSegmentStatus(handle, kProcessedDepths, segmentNumber, status);
-}
-
 VELMIO_API int ProcessedDepthsUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,
                                            unsigned int status) {
     ProcessedState *s = nullptr;
@@ -480,10 +393,6 @@ VELMIO_API int ProcessedDepthsSaveStatusToDisk(TOVO_Sensor *handle) {
     }
     s->statusDirty = false;
     return 0;
-}
-
-VELMIO_API int ProcessedDepthsRemoveDir(const wchar_t *lineDirectory) {
-    return SensorRemoveDir(lineDirectory, L"ProcessedDepths");
 }
 
 }  // extern "C"

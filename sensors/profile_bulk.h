@@ -16,6 +16,32 @@ inline bool profilesInRange(const TOVO_Sensor &h, std::uint32_t first, std::uint
     return first >= 1 && std::uint64_t{first} + count - 1 <= h.recordCount;
 }
 
+// Profiles farther apart than this on average are read a header at a time
+// when only their headers are wanted; closer, in large windows.
+constexpr std::uint64_t kSparseProfileBytes = 65536;
+
+// For the time of one bulk call over profiles first .. first + count - 1 (in
+// range): reads start afresh, so that what another process or this handle
+// changed since is seen, and headers come with the range's bytes behind
+// them (unless only headers are wanted and the profiles lie far apart).
+class BulkRange {
+public:
+    BulkRange(TOVO_Sensor &h, ProfileState &s, std::uint32_t first, std::uint32_t count, bool headersOnly) : s_(s) {
+        s.window.invalidate();
+        std::uint32_t start = 0;
+        if (h.timeIndex.map(first, start) != 0) return;
+        const std::uint64_t end = profileLimit(h, s, first + count - 1);
+        if (end <= start || (headersOnly && (end - start) / count > kSparseProfileBytes)) return;
+        s.bulkEnd = end;
+    }
+    ~BulkRange() { s_.bulkEnd = 0; }
+    BulkRange(const BulkRange &) = delete;
+    BulkRange &operator=(const BulkRange &) = delete;
+
+private:
+    ProfileState &s_;
+};
+
 // readHeader(profile, i) fills header slot i.
 template <class ReadHeader>
 int readProfiles(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
@@ -24,6 +50,7 @@ int readProfiles(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, st
     if (const int rc = enterProfile(h, f, kReadModes, s)) return rc;
     if (count == 0) return 0;
     if (!profilesInRange(*h, first, count)) return f.code(kOutOfRange);
+    const BulkRange range(*h, *s, first, count, true);
     for (std::uint32_t i = 0; i < count; ++i)
         if (const int rc = readHeader(first + i, i)) return rc;
     return 0;
@@ -96,16 +123,20 @@ int readBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::
 }
 
 // readBeams over the bytes of the data file: once beamsOf has loaded a
-// profile's header, its beams are decoded straight from the read window,
-// decode(words, k) filling flat slot k (s.profileTime is the profile's).
+// profile's header, its beams are decoded straight from the read window, a
+// window at a time: decode(bytes, n, k, stride) fills flat slots k ..
+// k + n - 1 from n beams of stride bytes (s.profileTime is the profile's).
 // readable(profile) is the check the family's per-beam read makes of the
 // profile number. The same values as readBeams over the per-beam read.
-template <class BeamsOf, class Readable, class Decode>
-int readBeamsInPlace(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
-                     std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, Readable readable,
-                     Decode decode) {
+template <class BeamsOf, class Readable, class DecodeBatch>
+int readBeamBatches(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
+                    std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, Readable readable,
+                    DecodeBatch decode) {
     ProfileState *s = nullptr;
     if (const int rc = enterProfile(h, f, kReadModes, s)) return rc;
+    if (count == 0) return 0;
+    if (!profilesInRange(*h, first, count)) return f.code(kOutOfRange);
+    const BulkRange range(*h, *s, first, count, false);
     const unsigned itemBytes = s->geometry.itemBytes;
     auto readProfileBeams = [&](std::uint32_t p, std::uint32_t beams, std::uint32_t firstBeam, std::uint32_t k) {
         if (beams == 0) return 0;
@@ -113,24 +144,38 @@ int readBeamsInPlace(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first
         s->repositionNeeded = 1;
         s->profileTime = s->header.time;
         std::uint64_t at = std::uint64_t{s->header.offset} + s->geometry.headerBytes;
-        const std::uint32_t perWindow = static_cast<std::uint32_t>(kWindowBytes / itemBytes);
-        std::uint32_t words[kMaxRecordWords];
         for (std::uint32_t b = 0; b < beams;) {
-            const std::uint32_t batch = std::min(perWindow, beams - b);
-            const std::size_t bytes = std::size_t{batch} * itemBytes;
-            const unsigned char *q = s->window.at(*s->source, at, bytes, bytes);
+            const std::uint64_t rest = std::max<std::uint64_t>(std::uint64_t{beams - b} * itemBytes,
+                                                               s->bulkEnd > at ? s->bulkEnd - at : 0);
+            const std::size_t ahead = static_cast<std::size_t>(std::min<std::uint64_t>(kBulkWindowBytes, rest));
+            const unsigned char *q = s->window.at(*s->source, at, itemBytes, ahead);
             if (!q) return f.code(kReadFailed);
-            for (std::uint32_t j = 0; j < batch; ++j, q += itemBytes) {
-                for (unsigned w = 0; w < itemBytes / 4; ++w) words[w] = loadBe32(q + 4 * w);
-                decode(words, k + b + j);
-            }
+            const auto batch = static_cast<std::uint32_t>(
+                std::min<std::uint64_t>(beams - b, s->window.held(at) / itemBytes));
+            decode(q, batch, k + b, itemBytes);
             b += batch;
-            at += bytes;
+            at += std::uint64_t{batch} * itemBytes;
         }
         s->position = at;
         return 0;
     };
     return readBeamWalk(h, f, first, count, beamCapacity, beamOffsets, beamsOf, readProfileBeams);
+}
+
+// readBeamBatches for a family that decodes a beam from its words:
+// decode(words, k) fills flat slot k.
+template <class BeamsOf, class Readable, class Decode>
+int readBeamsInPlace(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
+                     std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, Readable readable,
+                     Decode decode) {
+    auto batch = [&](const unsigned char *q, std::uint32_t n, std::uint32_t k, unsigned stride) {
+        std::uint32_t words[kMaxRecordWords];
+        for (std::uint32_t j = 0; j < n; ++j, q += stride) {
+            for (unsigned w = 0; w < stride / 4; ++w) words[w] = loadBe32(q + 4 * w);
+            decode(words, k + j);
+        }
+    };
+    return readBeamBatches(h, f, first, count, beamCapacity, beamOffsets, beamsOf, readable, batch);
 }
 
 // writeBeam(i) appends beam i of the caller's arrays to the open profile.

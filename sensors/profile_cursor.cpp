@@ -20,8 +20,12 @@ namespace {
 
 // A random read fetches this much: a header and its first beams.
 constexpr std::size_t kRandomReadAhead = 4096;
-// Farther than this behind its header, a beam is read on its own.
-constexpr std::uint64_t kNearBeamBytes = 16384;
+// Farther than this behind its header, a beam is read on its own: copying
+// more costs as much as a second small read.
+constexpr std::uint64_t kNearBeamBytes = 8192;
+// Headers remembered per handle at most (48 bytes each), for random beam
+// reads only: bulk reads hold no more than their window.
+constexpr std::size_t kKnownHeaderSlots = std::size_t{1} << 15;
 
 void storeWords(unsigned char *out, const std::uint32_t *words, unsigned count) {
     for (unsigned i = 0; i < count; ++i) storeBe32(out + 4 * i, words[i]);
@@ -225,6 +229,19 @@ std::uint64_t profileLimit(TOVO_Sensor &h, ProfileState &s, std::uint32_t profil
     return s.fileSize < 0 ? 0 : static_cast<std::uint64_t>(s.fileSize);
 }
 
+void KnownHeaders::keep(const ProfileHeader &header, std::uint32_t profiles) {
+    if (slots_.empty()) {
+        std::size_t size = 1;
+        while (size < profiles && size < kKnownHeaderSlots) size <<= 1;
+        try {
+            slots_.resize(size);
+        } catch (const std::bad_alloc &) {
+            return;  // reads go on, each with its header
+        }
+    }
+    slots_[header.number & (slots_.size() - 1)] = header;
+}
+
 int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decodeReason, std::size_t ahead) {
     const EngineFamily &f = s.family;
     s.header.number = 0;
@@ -232,7 +249,9 @@ int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decod
     std::uint32_t offset = 0;
     if (h.timeIndex.map(profile, offset) != 0) return f.code(kNotMapped);
     if (const int rc = seekData(h, s, offset, kSeekFailed)) return rc;
-    if (ahead > s.readAhead) s.readAhead = std::min(ahead, kWindowBytes);
+    if (ahead) s.readAhead = std::min(ahead, kWindowBytes);
+    if (s.bulkEnd > offset)
+        s.readAhead = static_cast<std::size_t>(std::min<std::uint64_t>(kBulkWindowBytes, s.bulkEnd - offset));
     std::uint32_t words[kMaxRecordWords];
     if (const int rc = readRecord(h, s, s.geometry.headerBytes, words)) return rc;
     ProfileHeader header;
@@ -258,12 +277,18 @@ int readBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std::uint32
     } else {
         s.repositionNeeded = 1;
         bool justRead = false;
-        if (s.header.number != profile) {
+        if (const ProfileHeader *known = s.header.number != profile ? s.knownHeaders.find(profile) : nullptr) {
+            // Met before: only the beam is read, and a file cut since fails there.
+            s.header = *known;
+        } else if (s.header.number != profile) {
             // One read for the header and, when it lies near, the beam
-            // (beams are mostly numbered from 1).
+            // (beams are mostly numbered from 1); a far beam is not worth
+            // the bytes between.
             const std::uint64_t reach = s.geometry.headerBytes + std::uint64_t{beam} * s.geometry.itemBytes;
-            const std::size_t ahead = reach <= kNearBeamBytes ? static_cast<std::size_t>(reach) : 0;
+            const std::size_t ahead =
+                reach <= kNearBeamBytes ? static_cast<std::size_t>(reach) : s.geometry.headerBytes;
             if (const int rc = loadHeader(h, s, profile, kNotDecoded, ahead)) return rc;
+            s.knownHeaders.keep(s.header, h.timeIndex.entryCount());
             justRead = true;
         }
         if (!s.header.holds(beam)) return f.code(beamRangeReason);
@@ -273,6 +298,8 @@ int readBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std::uint32
                                          std::uint64_t{beam - s.header.firstBeam} * s.geometry.itemBytes;
             if (const int rc = seekData(h, s, target, kSeekFailed)) return rc;
         }
+        // A beam at random: its own bytes, unless the header's read brought them.
+        s.readAhead = s.geometry.itemBytes;
     }
     if (const int rc = readRecord(h, s, s.geometry.itemBytes, words)) return rc;
     s.profileTime = s.header.time;
@@ -319,61 +346,6 @@ int readHeaderSeq(TOVO_Sensor &h, ProfileState &s, ProfileHeader &out) {
 int readBeamSeq(TOVO_Sensor &h, ProfileState &s, std::uint32_t *words) {
     s.repositionNeeded = 1;
     return readRecord(h, s, s.geometry.itemBytes, words);
-}
-
-int profileBgnSeqWriteSummary(TOVO_Sensor *h, const ProfileFamily &f) {
-    ProfileState *s = nullptr;
-    return enterProfile(h, f, kCreateMode, s);
-}
-
-int profileBgnSeqWriteLineSegment(TOVO_Sensor *h, const ProfileFamily &f, const wchar_t *name) {
-    ProfileState *s = nullptr;
-    if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
-    return beginProfileSegment(*h, *s, name);
-}
-
-int profileEndSeqWriteProfile(TOVO_Sensor *h, const ProfileFamily &f) {
-    ProfileState *s = nullptr;
-    if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
-    return endProfile(*h, *s);
-}
-
-int profileEndSeqWriteLineSegment(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
-    return endProfileSegment(*h, *s, status);
-}
-
-int profileEndSeqWriteSummary(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
-    h->summaryStatus = status;
-    return 0;
-}
-
-int profileSetSummaryStatus(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enterProfile(h, f, kAnyMode, s)) return rc;
-    h->summaryStatus = status;
-    s->statusDirty = true;
-    return 0;
-}
-
-int profileSetLineSegmentStatus(TOVO_Sensor *h, const ProfileFamily &f, int segmentNumber, std::uint32_t status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enterProfile(h, f, kUpdateMode, s)) return rc;
-    return setSegmentStatus(*h, *s, segmentNumber, status);
-}
-
-int profileSetToolTypes(TOVO_Sensor *h, const ProfileFamily &f, unsigned modes, std::uint32_t first,
-                        const std::uint32_t *second) {
-    ProfileState *s = nullptr;
-    if (const int rc = enterProfile(h, f, modes, s)) return rc;
-    s->familyWords[0] = first;
-    if (second) s->familyWords[1] = *second;
-    // Only a setter outside writing marks the summary for saving.
-    if (modes != kCreateMode) s->statusDirty = true;
-    return 0;
 }
 
 }  // namespace velmio

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace velmio {
 
@@ -60,6 +61,24 @@ struct ProfileHeader {
     bool holds(std::uint32_t beam) const { return beam >= firstBeam && beam - firstBeam < beamCount; }
 };
 
+// Headers already read and checked, by profile number: a direct-mapped
+// table made on first use, so that a random beam of a profile met before
+// costs one read of the beam's own bytes. Header reads still go to the file.
+class KnownHeaders {
+public:
+    const ProfileHeader *find(std::uint32_t profile) const {
+        if (slots_.empty()) return nullptr;
+        const ProfileHeader &slot = slots_[profile & (slots_.size() - 1)];
+        return slot.number == profile ? &slot : nullptr;
+    }
+    // profiles (the line's count) sizes the table on first use.
+    void keep(const ProfileHeader &header, std::uint32_t profiles);
+    void forget() { slots_.clear(); }
+
+private:
+    std::vector<ProfileHeader> slots_;
+};
+
 class ProfileState : public EngineState {
 public:
     explicit ProfileState(const ProfileFamily &f) : EngineState(f), profiles(f) {}
@@ -68,6 +87,7 @@ public:
     double profileTime = 0.0;   // ping time of the profile in hand
     int repositionNeeded = 1;   // the file is not known to be at the next beam
     ProfileHeader header;       // last header positioned on
+    KnownHeaders knownHeaders;  // of random beam reads
     std::uint32_t lastProfile = 0;
     std::uint32_t lastBeam = 0;
     // Writing: the segment begun and not yet ended, and the open profile's
@@ -85,6 +105,9 @@ public:
     // one small positioned read; reads that follow refill 64 KiB at a time.
     std::uint64_t position = 0;
     std::size_t readAhead = kWindowBytes;
+    // Set while a bulk read walks its range: where the range's bytes end,
+    // so that headers are read with the bytes behind them in large windows.
+    std::uint64_t bulkEnd = 0;
 };
 
 // The family's state on a handle after the entry checks in the family's
@@ -170,21 +193,6 @@ inline std::uint32_t statusAndOffset(const ProfileState &s, double beamTime, std
 inline double beamTime(const ProfileState &s, double profileTime, std::uint32_t word1) {
     return decodeDepthTime(profileTime, s.depthTimeScale, static_cast<std::int16_t>(word1 & 0xFFFFu));
 }
-
-// The operations every profile family has in the same form: the family's
-// entry checks and codes, then the shared effect. The tool type words are
-// familyWords[0] and, for a second one, familyWords[1] of the state.
-int profileBgnSeqWriteSummary(TOVO_Sensor *h, const ProfileFamily &f);
-int profileBgnSeqWriteLineSegment(TOVO_Sensor *h, const ProfileFamily &f, const wchar_t *name);
-int profileEndSeqWriteProfile(TOVO_Sensor *h, const ProfileFamily &f);
-int profileEndSeqWriteLineSegment(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status);
-int profileEndSeqWriteSummary(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status);
-int profileSetSummaryStatus(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t status);
-int profileSetLineSegmentStatus(TOVO_Sensor *h, const ProfileFamily &f, int segmentNumber, std::uint32_t status);
-// Sets the first tool type word, and the second when second is not null;
-// modes says where this family allows it.
-int profileSetToolTypes(TOVO_Sensor *h, const ProfileFamily &f, unsigned modes, std::uint32_t first,
-                        const std::uint32_t *second);
 
 int beginProfileSegment(TOVO_Sensor &h, ProfileState &s, const wchar_t *name);
 int endProfileSegment(TOVO_Sensor &h, ProfileState &s, std::uint32_t status);

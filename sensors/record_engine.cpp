@@ -4,6 +4,7 @@
 #include <velmio/linestore.h>
 
 #include "foundation/diagnostics.h"
+#include "linestore/memory_line.h"
 #include "platform/files.h"
 #include "platform/stdio_file.h"
 
@@ -82,9 +83,13 @@ std::size_t encodeSummaryBlock(TOVO_Sensor &h, EngineState &s, unsigned char *ou
 
 int readSummary(TOVO_Sensor &h, EngineState &s) {
     const EngineFamily &f = s.family;
-    if (int rc = TOVO_ReadDataValidationRecord(&h)) {
+    unsigned char validation[16];
+    const int checked = s.source->readAt(0, validation, sizeof validation) == 16
+                            ? checkDataValidationRecord(h, validation)
+                            : 5000027;  // as a short read of the record
+    if (checked != 0) {
         sayIf(f.headerInvalidMessage);
-        return f.headerInvalidCode ? f.headerInvalidCode : rc;
+        return f.headerInvalidCode ? f.headerInvalidCode : checked;
     }
     if (h.formatVersion < 2 && f.version1.headerBytes != 0) s.geometry = f.version1;
     unsigned char block[4 * kMaxSummaryWords];
@@ -134,7 +139,7 @@ int openExisting(TOVO_Sensor &h, EngineState &s) {
     } catch (const std::bad_alloc &) {
         return kNoMemory;
     }
-    return h.timeIndex.read(h.timeIndexPath.c_str(), h.typeId);
+    return readTimeIndexOf(h);
 }
 
 int openNew(TOVO_Sensor &h, EngineState &s) {
@@ -155,7 +160,11 @@ int openNew(TOVO_Sensor &h, EngineState &s) {
 int openEngine(TOVO_Sensor *h, EngineState *state) {
     h->familyState = state;  // owned by the handle from here on
     int rc = 0;
-    state->source.reset(new (std::nothrow) FileSource(fileno(h->dataFile)));
+    if (h->memory)
+        state->source.reset(new (std::nothrow) MemorySource(&h->memory->data.bytes));
+    else
+        state->source.reset(new (std::nothrow) FileSource(fileno(h->dataFile)));
+    h->dataSource = state->source.get();
     if (!state->source)
         rc = kNoMemory;
     else

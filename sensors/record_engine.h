@@ -186,11 +186,6 @@ inline int appendIndexEntry(TOVO_Sensor &h, EngineState &s, std::int32_t encoded
 // whose summary decodes.
 int referencesFixed(TOVO_Sensor &h, EngineState &s);
 
-// Decodes the validation record (from the data file's stream position) and
-// the summary block (through s.source) into the handle and the state: 0 or
-// the family's code. The words read stay set when a check fails.
-int readSummary(TOVO_Sensor &h, EngineState &s);
-
 // Writes the validation record and the summary at the start of the file.
 int writeSummaryBlock(TOVO_Sensor &h, EngineState &s);
 // Replaces the line segment file (running out of memory is a code).

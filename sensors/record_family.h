@@ -59,7 +59,11 @@ int readRecordAt(TOVO_Sensor &h, RecordState &s, std::uint32_t n);
 // *rc set.
 const unsigned char *readNextRecord(TOVO_Sensor &h, RecordState &s, int *rc);
 // Records first .. first + count - 1 (in range) through the window:
-// visit(i, bytes) for each, stopping at the first nonzero return.
+// visit(i, bytes, n) for each run of n records from record first + i
+// (readRecords: visit(i, bytes) for each record), stopping at the first
+// nonzero return.
+template <class VisitBatch>
+int readRecordBatches(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32_t count, VisitBatch visit);
 template <class Visit>
 int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32_t count, Visit visit);
 
@@ -142,8 +146,8 @@ int closeRecordFamily(TOVO_Sensor *h, RecordState &s);
 int rangeStart(TOVO_Sensor &h, const RecordFamily &f, std::uint32_t first, std::uint32_t count,
                std::uint32_t &offset, bool &contiguous);
 
-template <class Visit>
-int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32_t count, Visit visit) {
+template <class VisitBatch>
+int readRecordBatches(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32_t count, VisitBatch visit) {
     const RecordFamily &f = s.records;
     const std::uint32_t size = f.recordSize();
     // Each call reads afresh: what another process or this handle changed
@@ -152,8 +156,8 @@ int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32
     std::uint32_t offset = 0;
     bool contiguous = false;
     if (int rc = rangeStart(h, f, first, count, offset, contiguous)) return rc;
-    // Contiguous records come a window at a time; others one by one.
-    const std::uint32_t perWindow = contiguous ? static_cast<std::uint32_t>(kWindowBytes / size) : 1;
+    // Contiguous records come a large window at a time; others one by one.
+    const std::uint32_t perWindow = contiguous ? static_cast<std::uint32_t>(kBulkWindowBytes / size) : 1;
     std::uint64_t at = offset;
     for (std::uint32_t i = 0; i < count;) {
         if (!contiguous && i > 0) {
@@ -163,17 +167,24 @@ int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32
         }
         const std::uint32_t batch = std::min(perWindow, count - i);
         const std::size_t bytes = std::size_t{batch} * size;
-        const std::size_t ahead =
-            static_cast<std::size_t>(std::min<std::uint64_t>(kWindowBytes, std::uint64_t{count - i} * size));
-        const unsigned char *p = s.window.at(*s.source, at, bytes, std::max(bytes, ahead));
+        const unsigned char *p = s.window.at(*s.source, at, bytes, bytes);
         if (!p) return f.code(kReadFailed);
-        for (std::uint32_t j = 0; j < batch; ++j, p += size)
-            if (int rc = visit(i + j, p)) return rc;
+        if (int rc = visit(i, p, batch)) return rc;
         i += batch;
         at += bytes;
         s.nextOffset = at;
     }
     return 0;
+}
+
+template <class Visit>
+int readRecords(TOVO_Sensor &h, RecordState &s, std::uint32_t first, std::uint32_t count, Visit visit) {
+    const std::uint32_t size = s.records.recordSize();
+    return readRecordBatches(h, s, first, count, [&](std::uint32_t i, const unsigned char *p, std::uint32_t n) {
+        for (std::uint32_t j = 0; j < n; ++j, p += size)
+            if (int rc = visit(i + j, p)) return rc;
+        return 0;
+    });
 }
 
 // The arithmetic of TOVO_DecodeTime and TOVO_DecodePosition inline, for the

@@ -6,6 +6,7 @@
 
 #include "platform/files.h"
 #include "sensors/profile_bulk.h"
+#include "sensors/profile_forwarders.h"
 #include "sensors/profile_records.h"
 #include "sensors/side_scan_access.h"
 #include "sensors/side_scan_records.h"
@@ -242,19 +243,21 @@ const SideScanAccess &sideScanFamilyAccess() {
 
 const ProfileFamily *sideScanProfiles(std::uint32_t typeId) { return kindOf(typeId == 32787 ? 19 : typeId); }
 
+int enterSideScan(TOVO_Sensor *h, unsigned modes, ProfileState *&s) { return enter(h, modes, s); }
+
 }  // namespace velmio
 
 extern "C" {
 
-VELMIO_API TOVO_Sensor *SideScanEM100OpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken,
-                                             int *errorCode) {
-    return openKind(lineDirectory, 9, 9, accessToken, errorCode);
-}
-
-VELMIO_API TOVO_Sensor *SideScanEM1000OpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken,
-                                              int *errorCode) {
-    return openKind(lineDirectory, 10, 10, accessToken, errorCode);
-}
+// The kinds with files of their own: prefix, type opened, type recorded.
+#define VELMIO_SIDE_SCAN_OPENERS(X)                                                                           \
+    X(SideScanEM100, 9, 9) X(SideScanEM1000, 10, 10) X(SSSSideScan, 13, 13) X(SSSProcessedSideScan, 19, 19) \
+    X(NewSSSProcessedSideScan, 32787, 19)
+#define VELMIO_SIDE_SCAN_OPENER(P, OPEN_ID, TYPE_ID)                                                          \
+    VELMIO_API TOVO_Sensor *P##OpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken, int *errorCode) { \
+        return openKind(lineDirectory, OPEN_ID, TYPE_ID, accessToken, errorCode);                              \
+    }
+VELMIO_SIDE_SCAN_OPENERS(VELMIO_SIDE_SCAN_OPENER)
 
 VELMIO_API TOVO_Sensor *SideScanELACOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken,
                                             int *errorCode) {
@@ -263,21 +266,6 @@ VELMIO_API TOVO_Sensor *SideScanELACOpenDir(const wchar_t *lineDirectory, const 
 
 VELMIO_API TOVO_Sensor *SideScanOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken, int *errorCode) {
     return openTraceless(lineDirectory, 20, accessToken, errorCode);
-}
-
-VELMIO_API TOVO_Sensor *SSSSideScanOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken,
-                                           int *errorCode) {
-    return openKind(lineDirectory, 13, 13, accessToken, errorCode);
-}
-
-VELMIO_API TOVO_Sensor *SSSProcessedSideScanOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken,
-                                                    int *errorCode) {
-    return openKind(lineDirectory, 19, 19, accessToken, errorCode);
-}
-
-VELMIO_API TOVO_Sensor *NewSSSProcessedSideScanOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken,
-                                                       int *errorCode) {
-    return openKind(lineDirectory, 32787, 19, accessToken, errorCode);
 }
 
 VELMIO_API int SideScanClose(TOVO_Sensor *handle) {
@@ -305,20 +293,6 @@ VELMIO_API int SideScanSummary(TOVO_Sensor *handle, unsigned int *sonarType, uns
     if (minAmplitude) *minAmplitude = empty ? INT_MAX : static_cast<int>(a.min);
     if (maxAmplitude) *maxAmplitude = empty ? INT_MIN : static_cast<int>(a.max);
     if (status) *status = handle->summaryStatus;
-    return 0;
-}
-
-VELMIO_API int SideScanLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **sourceName,
-                                   unsigned int *beginIndex, unsigned int *endIndex, double *minTime,
-                                   double *maxTime, unsigned int *status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    if (!sourceName || !beginIndex || !endIndex || !minTime || !maxTime || !status) return -1;
-    Extent time;
-    if (const int rc = describeSegment(*handle, *s, segmentNumber, sourceName, beginIndex, endIndex, &time, 1, status))
-        return rc;
-    *minTime = time.min;
-    *maxTime = time.max;
     return 0;
 }
 
@@ -422,19 +396,6 @@ VELMIO_API int SideScanReadSamples(TOVO_Sensor *handle, unsigned int firstProfil
     return readBeams(handle, s->profiles, firstProfile, count, sampleCapacity, sampleOffsets, samplesOf, readOne);
 }
 
-VELMIO_API int SideScanBgnSeqWriteSummary(TOVO_Sensor *handle, unsigned int sonarType) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    s->familyWords[0] = sonarType;
-    return 0;
-}
-
-VELMIO_API int SideScanBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    return beginProfileSegment(*handle, *s, sourceName);
-}
-
 VELMIO_API int SideScanBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfSamples, unsigned int firstSample,
                                           double time, double sampleInterval, int gain, int attenuation1,
                                           int attenuation2, unsigned int status) {
@@ -466,25 +427,6 @@ VELMIO_API int SideScanSeqWriteSamples(TOVO_Sensor *handle, unsigned int count, 
     return writeBeams(handle, s->profiles, count, amplitudes != nullptr, [&](std::uint32_t i) {
         return SideScanSeqWrite(handle, amplitudes[i], detections ? detections[i] : 0);
     });
-}
-
-VELMIO_API int SideScanEndSeqWriteProfile(TOVO_Sensor *handle) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    return endProfile(*handle, *s);
-}
-
-VELMIO_API int SideScanEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    return endProfileSegment(*handle, *s, status);
-}
-
-VELMIO_API int SideScanEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    handle->summaryStatus = status;
-    return 0;
 }
 
 VELMIO_API int SideScanSeqWriteTrace(TOVO_Sensor *handle, unsigned int bottomSample, double depth) {
@@ -530,20 +472,6 @@ VELMIO_API int SideScanSetSonarType(TOVO_Sensor *handle, unsigned int sonarType)
     return 0;
 }
 
-VELMIO_API int SideScanSetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    handle->summaryStatus = status;
-    s->statusDirty = true;
-    return 0;
-}
-
-VELMIO_API int SideScanSetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kUpdateMode, s)) return rc;
-    return setSegmentStatus(*handle, *s, segmentNumber, status);
-}
-
 VELMIO_API int SideScanUpdateProfileStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int status) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kUpdateMode, s)) return rc;
@@ -569,18 +497,6 @@ VELMIO_API int SideScanSaveStatusToDisk(TOVO_Sensor *handle) {
 VELMIO_API int SideScanRemoveDir(const wchar_t *lineDirectory) {
     if (lineDirectory) platform::removeFile((std::wstring(lineDirectory) + L"/SideScanTrace").c_str());
     return SensorRemoveDir(lineDirectory, L"SideScan");
-}
-
-VELMIO_API int SSSSideScanRemoveDir(const wchar_t *lineDirectory) {
-    return SensorRemoveDir(lineDirectory, L"SSSSideScan");
-}
-
-VELMIO_API int SSSProcessedSideScanRemoveDir(const wchar_t *lineDirectory) {
-    return SensorRemoveDir(lineDirectory, L"SSSProcessedSideScan");
-}
-
-VELMIO_API int NewSSSProcessedSideScanRemoveDir(const wchar_t *lineDirectory) {
-    return SensorRemoveDir(lineDirectory, L"NewSSSProcessedSideScan");
 }
 
 }  // extern "C"

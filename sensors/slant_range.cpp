@@ -7,8 +7,6 @@
 #include "sensors/profile_bulk.h"
 #include "sensors/profile_cursor.h"
 
-#include <memory>
-#include <new>
 
 using namespace velmio;
 
@@ -102,46 +100,6 @@ const ProfileFamily &velmio::slantRangeProfiles() { return kSlantRange; }
 
 extern "C" {
 
-VELMIO_API TOVO_Sensor *SLRangeOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken, int *errorCode) {
-    std::unique_ptr<ProfileState> state(new (std::nothrow) ProfileState(kSlantRange));
-    if (!state) {
-        if (errorCode) *errorCode = kNoMemory;
-        return nullptr;
-    }
-    return openProfileSensor(lineDirectory, 30, accessToken, errorCode, kSlantRange, std::move(state));
-}
-
-VELMIO_API int SLRangeClose(TOVO_Sensor *handle) { return closeProfileSensor(handle, kSlantRange, true); }
-
-VELMIO_API int SLRangeSummary(TOVO_Sensor *handle, unsigned int *toolType, unsigned int *numberOfLineSegments,
-                              unsigned int *numberOfProfiles, unsigned int *numberOfBeams, double *minTime,
-                              double *maxTime, unsigned int *status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    if (toolType) *toolType = s->familyWords[0];
-    if (numberOfLineSegments) *numberOfLineSegments = handle->segmentCount;
-    if (numberOfProfiles) *numberOfProfiles = handle->recordCount;
-    if (numberOfBeams) *numberOfBeams = s->itemCount;
-    if (minTime) *minTime = handle->extents[kTime].min;
-    if (maxTime) *maxTime = handle->extents[kTime].max;
-    if (status) *status = handle->summaryStatus;
-    return 0;
-}
-
-VELMIO_API int SLRangeLineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **sourceName,
-                                  unsigned int *beginIndex, unsigned int *endIndex, double *minTime, double *maxTime,
-                                  unsigned int *status) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kAnyMode, s)) return rc;
-    if (!sourceName || !beginIndex || !endIndex || !minTime || !maxTime || !status) return -1;
-    Extent time;
-    if (const int rc = describeSegment(*handle, *s, segmentNumber, sourceName, beginIndex, endIndex, &time, 1, status))
-        return rc;
-    *minTime = time.min;
-    *maxTime = time.max;
-    return 0;
-}
-
 VELMIO_API int SLRangeReadProfile(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int *numberOfBeams,
                                   unsigned int *firstBeam, double *time, double *angle1, double *angle2,
                                   unsigned int *status) {
@@ -190,13 +148,6 @@ VELMIO_API int SLRangeReadSeq(TOVO_Sensor *handle, double *beamTime, double *ran
     return 0;
 }
 
-VELMIO_API int SLRangeReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
-                                   unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
-                                   double *angles1, double *angles2, unsigned int *statuses) {
-    return readAngleProfiles(handle, kSlantRange, SLRangeReadProfile, firstProfile, count, numberOfBeams, firstBeams,
-                             times, angles1, angles2, statuses);
-}
-
 VELMIO_API int SLRangeReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
                                 unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes,
                                 double *ranges, double *values, double *beamAngles1, double *beamAngles2,
@@ -217,14 +168,6 @@ VELMIO_API int SLRangeReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, 
     auto readable = [s](std::uint32_t p) { return withinBeamTotal(*s, p); };
     return readBeamsInPlace(handle, kSlantRange, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readable,
                             decode);
-}
-
-VELMIO_API int SLRangeBgnSeqWriteSummary(TOVO_Sensor *handle, unsigned int toolType) {
-    return profileSetToolTypes(handle, kSlantRange, kCreateMode, toolType, nullptr);
-}
-
-VELMIO_API int SLRangeBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
-    return profileBgnSeqWriteLineSegment(handle, kSlantRange, sourceName);
 }
 
 VELMIO_API int SLRangeBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams, unsigned int firstBeam,
@@ -266,30 +209,6 @@ VELMIO_API int SLRangeSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, con
         });
 }
 
-VELMIO_API int SLRangeEndSeqWriteProfile(TOVO_Sensor *handle) {
-    return profileEndSeqWriteProfile(handle, kSlantRange);
-}
-
-VELMIO_API int SLRangeEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
-    return profileEndSeqWriteLineSegment(handle, kSlantRange, status);
-}
-
-VELMIO_API int SLRangeEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
-    return profileEndSeqWriteSummary(handle, kSlantRange, status);
-}
-
-VELMIO_API int SLRangeSetToolType(TOVO_Sensor *handle, unsigned int toolType) {
-    return profileSetToolTypes(handle, kSlantRange, kAnyMode, toolType, nullptr);
-}
-
-VELMIO_API int SLRangeSetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
-    return profileSetSummaryStatus(handle, kSlantRange, status);
-}
-
-VELMIO_API int SLRangeSetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
-    return profileSetLineSegmentStatus(handle, kSlantRange, segmentNumber, status);
-}
-
 VELMIO_API int SLRangeUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,
                                    unsigned int status) {
     ProfileState *s = nullptr;
@@ -302,7 +221,5 @@ VELMIO_API int SLRangeUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumb
     words[0] = (words[0] & 0xFFFFu) | status;
     return storeBeam(*handle, *s, offset, words);
 }
-
-VELMIO_API int SLRangeRemoveDir(const wchar_t *lineDirectory) { return SensorRemoveDir(lineDirectory, L"SLRange"); }
 
 }  // extern "C"

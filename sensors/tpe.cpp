@@ -5,16 +5,17 @@
 #include <velmio/linestore.h>
 #include <velmio/tpe.h>
 
+#include "datafile/block_reader.h"
 #include "encoding/rounding.h"
 #include "sensors/cache_size.h"
+#include "sensors/column_decode.h"
 #include "sensors/profile_bulk.h"
 #include "sensors/profile_cursor.h"
+#include "sensors/profile_forwarders.h"
 
 #include <cctype>
 #include <climits>
 #include <cstdlib>
-#include <memory>
-#include <new>
 
 using namespace velmio;
 
@@ -151,25 +152,8 @@ const ProfileFamily &velmio::tpeProfiles() { return kTpe; }
 extern "C" {
 
 VELMIO_API TOVO_Sensor *TPEOpenDir(const wchar_t *lineDirectory, const wchar_t *accessToken, int *errorCode) {
-    std::unique_ptr<TpeState> state(new (std::nothrow) TpeState);
-    if (!state) {
-        if (errorCode) *errorCode = kNoMemory;
-        return nullptr;
-    }
-    TpeState *t = state.get();
-    TOVO_Sensor *h = openProfileSensor(lineDirectory, 52, accessToken, errorCode, kTpe, std::move(state));
-    if (!h || isWriting(*h)) return h;
-    // Set up once the time index is read, so that the cache is bounded by
-    // the line's profile count.
-    if (const int rc = initialise(h, cacheSizeFromEnvironment(), &t->reader)) {
-        closeProfileSensor(h, kTpe, false);
-        if (errorCode) *errorCode = rc;
-        return nullptr;
-    }
-    return h;
+    return openCachedProfile<TpeState>(lineDirectory, 52, accessToken, errorCode, kTpe);
 }
-
-VELMIO_API int TPEClose(TOVO_Sensor *handle) { return closeProfileSensor(handle, kTpe, true); }
 
 VELMIO_API int TPESummary(TOVO_Sensor *handle, unsigned int *numberOfLineSegments, unsigned int *numberOfProfiles,
                           unsigned int *numberOfBeams, double *minTime, double *maxTime, unsigned int *toolType1,
@@ -191,19 +175,6 @@ VELMIO_API int TPESummary(TOVO_Sensor *handle, unsigned int *numberOfLineSegment
     if (minError2) *minError2 = stored(handle->extents[kError2].min);
     if (maxError2) *maxError2 = stored(handle->extents[kError2].max);
     if (status) *status = handle->summaryStatus;
-    return 0;
-}
-
-VELMIO_API int TPELineSegment(TOVO_Sensor *handle, int segmentNumber, wchar_t **sourceName, unsigned int *beginIndex,
-                              unsigned int *endIndex, double *minTime, double *maxTime, unsigned int *status) {
-    TpeState *t = nullptr;
-    if (const int rc = enter(handle, kAnyMode, t)) return rc;
-    if (!sourceName || !beginIndex || !endIndex || !minTime || !maxTime || !status) return -1;
-    Extent time;
-    if (const int rc = describeSegment(*handle, *t, segmentNumber, sourceName, beginIndex, endIndex, &time, 1, status))
-        return rc;
-    *minTime = time.min;
-    *maxTime = time.max;
     return 0;
 }
 
@@ -303,39 +274,51 @@ VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsi
         first = f;
         return rc;
     };
-    auto readBeam = [&](std::uint32_t p, std::uint32_t b, std::uint32_t k) {
-        double t, e1, e2;
-        unsigned int status;
-        if (const int rc = TPERead(handle, p, b, &t, &e1, &e2, &status)) return rc;
-        if (beamTimes) beamTimes[k] = t;
-        if (errors1) errors1[k] = e1;
-        if (errors2) errors2[k] = e2;
-        if (statuses) statuses[k] = status;
-        return 0;
-    };
-    const TpeState *t = stateOf<TpeState>(handle, kTpe);
-    // The block reader holds its own copy of the headers: its reads stay per beam.
-    if (!t || cacheOn(*t))
-        return readBeams(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readBeam);
-    auto decode = [&](const std::uint32_t *words, std::uint32_t k) {
-        double bt, e1, e2;
-        unsigned int status;
-        fillBeam(*t, t->profileTime, words, &bt, &e1, &e2, &status);
-        if (beamTimes) beamTimes[k] = bt;
-        if (errors1) errors1[k] = e1;
-        if (errors2) errors2[k] = e2;
-        if (statuses) statuses[k] = status;
+    TpeState *t = stateOf<TpeState>(handle, kTpe);
+    // fillBeam's arithmetic, a field at a time.
+    auto decode = [&](const unsigned char *q, std::uint32_t n, std::uint32_t k, unsigned stride) {
+        const double ping = t->profileTime;
+        const std::int32_t scale = t->depthTimeScale;
+        forEachRun<3>(q, n, stride, [&](std::uint32_t done, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
+            auto slots = [k, done](auto *array) { return array ? array + k + done : nullptr; };
+            fillColumn(slots(beamTimes), run, w[0], [ping, scale](std::uint32_t u) {
+                return decodeDepthTime(ping, scale, static_cast<std::int16_t>(u & 0xFFFFu));
+            });
+            fillColumn(slots(errors1), run, w[1], decodeError);
+            fillColumn(slots(errors2), run, w[2], decodeError);
+            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u & 0xFFFF0000u; });
+        });
     };
     auto readable = [t](std::uint32_t p) { return withinBeamTotal(*t, p); };
-    return readBeamsInPlace(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readable, decode);
-}
-
-VELMIO_API int TPEBgnSeqWriteSummary(TOVO_Sensor *handle) {
-    return profileBgnSeqWriteSummary(handle, kTpe);
-}
-
-VELMIO_API int TPEBgnSeqWriteLineSegment(TOVO_Sensor *handle, const wchar_t *sourceName) {
-    return profileBgnSeqWriteLineSegment(handle, kTpe, sourceName);
+    if (!t || !cacheOn(*t))
+        return readBeamBatches(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readable,
+                               decode);
+    // The block reader holds the profile beamsOf has just read: its beams are
+    // decoded where they lie in the block.
+    auto fromBlock = [&](std::uint32_t p, std::uint32_t beams, std::uint32_t firstBeam, std::uint32_t k) {
+        if (beams == 0) return 0;
+        const unsigned itemBytes = t->geometry.itemBytes;
+        if (readable(p) && readRecord(t->reader, p) == 0) {
+            const unsigned char *q = setByteOffset(t->reader, kTpe.geometry.headerBytes, 0)
+                                         ? takeBlockBytes(t->reader, beams * itemBytes)
+                                         : nullptr;
+            if (!q) return kTpe.code(kReadFailed);
+            decode(q, beams, k, itemBytes);
+            return 0;
+        }
+        // Not in a block (an index the reader refuses): TPERead's own fallback, beam by beam.
+        for (std::uint32_t b = 0; b < beams; ++b) {
+            double bt, e1, e2;
+            unsigned int status;
+            if (const int rc = TPERead(handle, p, firstBeam + b, &bt, &e1, &e2, &status)) return rc;
+            if (beamTimes) beamTimes[k + b] = bt;
+            if (errors1) errors1[k + b] = e1;
+            if (errors2) errors2[k + b] = e2;
+            if (statuses) statuses[k + b] = status;
+        }
+        return 0;
+    };
+    return readBeamWalk(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, fromBlock);
 }
 
 VELMIO_API int TPEBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams, unsigned int firstBeam,
@@ -379,31 +362,13 @@ VELMIO_API int TPESeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const d
         });
 }
 
-VELMIO_API int TPEEndSeqWriteProfile(TOVO_Sensor *handle) {
-    return profileEndSeqWriteProfile(handle, kTpe);
-}
-
-VELMIO_API int TPEEndSeqWriteLineSegment(TOVO_Sensor *handle, unsigned int status) {
-    return profileEndSeqWriteLineSegment(handle, kTpe, status);
-}
-
-VELMIO_API int TPEEndSeqWriteSummary(TOVO_Sensor *handle, unsigned int status) {
-    return profileEndSeqWriteSummary(handle, kTpe, status);
-}
-
 VELMIO_API int TPESetToolType(TOVO_Sensor *handle, unsigned int toolType1, unsigned int toolType2) {
-    const std::uint32_t second = toolType2;
-    return profileSetToolTypes(handle, kTpe, kAnyMode, toolType1, &second);
+    TpeState *t = nullptr;
+    if (const int rc = enter(handle, kAnyMode, t)) return rc;
+    t->familyWords[0] = toolType1;
+    t->familyWords[1] = toolType2;
+    t->statusDirty = true;
+    return 0;
 }
-
-VELMIO_API int TPESetSummaryStatus(TOVO_Sensor *handle, unsigned int status) {
-    return profileSetSummaryStatus(handle, kTpe, status);
-}
-
-VELMIO_API int TPESetLineSegmentStatus(TOVO_Sensor *handle, int segmentNumber, unsigned int status) {
-    return profileSetLineSegmentStatus(handle, kTpe, segmentNumber, status);
-}
-
-VELMIO_API int TPERemoveDir(const wchar_t *lineDirectory) { return SensorRemoveDir(lineDirectory, L"TPE"); }
 
 }  // extern "C"

@@ -36,10 +36,13 @@ VELMIO_API unsigned int getCacheSize(const VELMBlockReader *handle);
 VELMIO_API void getStartEndRecordNumber(const VELMBlockReader *handle, unsigned int *first, unsigned int *last);
 // Forgets the block.
 VELMIO_API void clearBuffer(VELMBlockReader *handle);
-// Makes record n current, loading the block that starts at n when n is not
-// held. 0; 1 when the cache is off; the time index's code when n does not
-// map (5000036, 5000037); 5000039 for offsets that are not ascending or lie
-// beyond the file; 5000009.
+// Makes record n current, planning the block that starts at n when n is not
+// held. A record's bytes are read when it is first made current: with the
+// rest of the block when n follows the record requested before, else alone
+// (a random read costs one record's bytes, not the block's). 0; 1 when the
+// cache is off; the time index's code when n does not map (5000036,
+// 5000037); 5000039 for offsets that are not ascending or lie beyond the
+// file; 5000009.
 VELMIO_API int readRecord(VELMBlockReader *handle, unsigned int recordNumber);
 // readRecord of the record after the last one requested (record 1 at first).
 VELMIO_API int readRecordSeq(VELMBlockReader *handle);

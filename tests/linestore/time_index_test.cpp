@@ -63,6 +63,30 @@ TEST(TimeIndex, FileFormIsByteExact) {
     EXPECT_EQ(wrongType.read(dir.wfile("missing").c_str(), 1), velmio::kTmIdxCannotOpen);
 }
 
+// Sets of other sizes than 512 (an empty one among them) map by their
+// counts, before and after the chain is built from the file.
+TEST(TimeIndex, UnevenSetsMapFromTheFile) {
+    TempDir dir;
+    Bytes uneven = ascii("TOVO");
+    append(uneven, be32s({1, 3, 1, 3, 512, 2, 5, 6, 0, 0x7FFFFFFF, 0x80000000, 1, 9, 9,  // header, set headers
+                          2, 5, 100, 6, 112, 0, 1, 9, 124}));                                  // the arrays
+    writeFile(dir.file("uneven"), uneven);
+    TimeIndex idx;
+    ASSERT_EQ(idx.read(dir.wfile("uneven").c_str(), 1), 0);
+    for (int pass = 0; pass < 2; ++pass) {
+        std::uint32_t off = 0;
+        for (std::uint32_t n : {1u, 2u, 3u}) {
+            ASSERT_EQ(idx.map(n, off), 0) << n;
+            EXPECT_EQ(off, n == 1 ? 100u : n == 2 ? 112u : 124u);
+        }
+        EXPECT_EQ(idx.map(4, off), velmio::kTmIdxNotFound);
+        ASSERT_NE(idx.last(), nullptr);  // builds the chain for the second pass
+        EXPECT_EQ(idx.last()->minTime, 9);
+    }
+    EXPECT_EQ(idx.setCount(), 3u);
+    EXPECT_EQ(idx.entryCount(), 3u);
+}
+
 TEST(TimeIndex, EmptyIndexIsSixUnits) {
     TempDir dir;
     TimeIndex idx;
@@ -89,13 +113,20 @@ TEST(TimeIndex, CorruptFilesAreRefusedAtEveryLength) {
         EXPECT_EQ(fromMemory.readBytes(good.data(), cut, 1), velmio::kTmIdxInvalid) << "cut at " << cut;
     }
     // The whole file from memory reads as from the disk, across both sets.
-    TimeIndex fromMemory;
+    TimeIndex fromMemory, fromDisk;
     ASSERT_EQ(fromMemory.readBytes(good.data(), good.size(), 1), 0);
-    std::uint32_t offset = 0;
+    ASSERT_EQ(fromDisk.read(dir.wfile("full").c_str(), 1), 0);
+    std::uint32_t offset = 0, onDisk = 0;
     EXPECT_EQ(fromMemory.setCount(), 2u);
-    EXPECT_EQ(fromMemory.map(600, offset), 0);
-    EXPECT_EQ(offset, 699u);
+    for (std::uint32_t n = 1; n <= 600; ++n) {
+        ASSERT_EQ(fromDisk.map(n, onDisk), 0);
+        ASSERT_EQ(fromMemory.map(n, offset), 0);
+        ASSERT_EQ(onDisk, offset);
+        ASSERT_EQ(offset, 99 + n);
+    }
+    EXPECT_EQ(fromDisk.map(601, offset), velmio::kTmIdxNotFound);
     EXPECT_EQ(fromMemory.entry(513)->encodedTime, 512);
+    EXPECT_EQ(fromDisk.entry(513)->encodedTime, 512);
     // Counts larger than the file can hold are refused before any allocation.
     Bytes huge = ascii("TOVO");
     append(huge, be32s({1, 3, 1, 0x7FFFFFFF, 0xFFFFFFFF}));
