@@ -19,10 +19,19 @@ inline std::uint32_t loadBe32(const unsigned char *p) {
     return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) | p[3];
 }
 inline void storeBe32(unsigned char *p, std::uint32_t v) {
+#if defined(__GNUC__) && defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    // One swap and one store: the compilers do not always merge the four
+    // byte stores inside the record writers' loops.
+    v = __builtin_bswap32(v);
+    std::memcpy(p, &v, 4);
+#elif defined(__GNUC__) && defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
+    std::memcpy(p, &v, 4);
+#else
     p[0] = static_cast<unsigned char>(v >> 24);
     p[1] = static_cast<unsigned char>(v >> 16);
     p[2] = static_cast<unsigned char>(v >> 8);
     p[3] = static_cast<unsigned char>(v);
+#endif
 }
 
 class ByteSource {
