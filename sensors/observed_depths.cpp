@@ -356,15 +356,8 @@ VELMIO_API int ObservedDepthsUpdateXYZStatus(TOVO_Sensor *handle, unsigned int p
 VELMIO_API int ObservedDepthsSaveStatusToDisk(TOVO_Sensor *handle) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kUpdateMode, s)) return rc;
-    if (writeSummaryBlock(*handle, *s) != 0) return kObservedDepths.code(kSummaryNotWritten);
-    try {
-        if (const int rc = writeLineSegmentFile(*handle, kObservedDepths.segments)) return rc;
-    } catch (const std::bad_alloc &) {
-        return kNoMemory;
-    }
-    if (std::fflush(handle->dataFile) != 0) return kObservedDepths.code(kSeekFailed);
-    s->statusDirty = false;
-    return 0;
+    if (const int rc = saveProfileStatus(*handle, *s)) return rc;
+    return std::fflush(handle->dataFile) == 0 ? 0 : kObservedDepths.code(kSeekFailed);
 }
 
 }  // extern "C"

@@ -385,14 +385,7 @@ VELMIO_API int ProcessedDepthsSaveStatusToDisk(TOVO_Sensor *handle) {
     ProcessedState *s = nullptr;
     if (const int rc = enter(handle, kUpdateMode, s)) return rc;
     clearBuffer(s->reader);
-    if (writeSummaryBlock(*handle, *s) != 0) return code(kSummaryNotWritten);
-    try {
-        if (const int rc = writeLineSegmentFile(*handle, kProcessedDepths.segments)) return rc;
-    } catch (const std::bad_alloc &) {
-        return kNoMemory;
-    }
-    s->statusDirty = false;
-    return 0;
+    return saveProfileStatus(*handle, *s);
 }
 
 }  // extern "C"

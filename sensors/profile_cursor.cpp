@@ -89,6 +89,13 @@ int closeProfileSensor(TOVO_Sensor *h, const ProfileFamily &f, bool saveDirtySta
     return closeEngine(h, *s, saveDirtyStatus && s->statusDirty);
 }
 
+int saveProfileStatus(TOVO_Sensor &h, ProfileState &s) {
+    if (writeSummaryBlock(h, s) != 0) return s.family.code(kSummaryNotWritten);
+    if (const int rc = writeSegments(h, s)) return rc;
+    s.statusDirty = false;
+    return 0;
+}
+
 
 
 int beginProfile(TOVO_Sensor &h, ProfileState &s, std::uint32_t beams, std::uint32_t firstBeam, double time,

@@ -139,6 +139,17 @@ TOVO_Sensor *openProfileSensor(const wchar_t *lineDirectory, std::uint32_t openI
 // nothing was written) and frees the handle. The first failure's code.
 int closeProfileSensor(TOVO_Sensor *h, const ProfileFamily &f, bool saveDirtyStatus);
 
+// SaveStatusToDisk of an update handle: writes summary and segments, and
+// marks the statuses saved. 0 or the first failure's code.
+int saveProfileStatus(TOVO_Sensor &h, ProfileState &s);
+
+// Slant range and TPE check a read's profile number against the beam total,
+// as files have always been read; the time index refuses what lies beyond
+// the profiles.
+inline bool withinBeamTotal(const ProfileState &s, std::uint32_t profile) {
+    return profile >= 1 && profile <= s.itemCount;
+}
+
 // Writing. beginProfile adds the time index entry and writes the header
 // {status, layout, encoded time, extra...}; writeBeam appends one beam of
 // the open profile. Both keep the counts and the reposition flag.

@@ -476,14 +476,7 @@ VELMIO_API int SideScanUpdateProfileStatus(TOVO_Sensor *handle, unsigned int pro
 VELMIO_API int SideScanSaveStatusToDisk(TOVO_Sensor *handle) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kUpdateMode, s)) return rc;
-    if (writeSummaryBlock(*handle, *s) != 0) return code(kSummaryNotWritten);
-    try {
-        if (const int rc = writeLineSegmentFile(*handle, s->family.segments)) return rc;
-    } catch (const std::bad_alloc &) {
-        return kNoMemory;
-    }
-    s->statusDirty = false;
-    return 0;
+    return saveProfileStatus(*handle, *s);
 }
 
 VELMIO_API int SideScanRemoveDir(const wchar_t *lineDirectory) {

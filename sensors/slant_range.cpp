@@ -88,12 +88,6 @@ void fillHeader(const ProfileHeader &p, unsigned int *numberOfBeams, unsigned in
     *status = p.status;
 }
 
-// Reads check the profile number against the beam total, as files have
-// always been read; the time index refuses what lies beyond the profiles.
-bool withinBeamTotal(const ProfileState &s, std::uint32_t profile) {
-    return profile >= 1 && profile <= s.itemCount;
-}
-
 }  // namespace
 
 const ProfileFamily &velmio::slantRangeProfiles() { return kSlantRange; }

@@ -141,10 +141,6 @@ void fillBeam(const ProfileState &s, double profileTime, const std::uint32_t *w,
     *status = w[0] & 0xFFFF0000u;
 }
 
-bool withinBeamTotal(const ProfileState &s, std::uint32_t profile) {
-    return profile >= 1 && profile <= s.itemCount;
-}
-
 }  // namespace
 
 const ProfileFamily &velmio::tpeProfiles() { return kTpe; }
