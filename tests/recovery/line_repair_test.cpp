@@ -11,7 +11,6 @@
 #include "support/test_support.h"
 
 #include <filesystem>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -19,13 +18,6 @@ using namespace velmio::test;
 namespace fs = std::filesystem;
 
 namespace {
-
-std::map<std::string, Bytes> snapshot(const std::string &line) {
-    std::map<std::string, Bytes> files;
-    for (const auto &entry : fs::directory_iterator(line))
-        files[entry.path().filename().string()] = readFile(entry.path().string());
-    return files;
-}
 
 // Two segments, so that keeping them differs from one recovered segment.
 void writeLine(const std::string &line) {

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,11 @@ void writeFile(const std::string &path, const Bytes &bytes);
 void writeText(const std::string &path, const std::string &text);
 std::string readText(const std::string &path);
 bool fileExists(const std::string &path);
+
+// The files of a directory by name, and a directory made to hold exactly them.
+using Files = std::map<std::string, Bytes>;
+Files snapshot(const std::string &dir);
+void restore(const std::string &dir, const Files &files);
 
 // Big-endian 32-bit units, as XDR writes them.
 void be32(Bytes &out, std::uint32_t value);
