@@ -86,18 +86,13 @@ void sideScan(const std::string &line, int count) {
 }
 
 int repair(const std::string &line, int dryRun, VELMRepairReport **reports, unsigned int *count) {
-    testing::internal::CaptureStdout();
-    const int rc = VELMRepairPath(widen(line).c_str(), nullptr, dryRun, reports, count);
-    testing::internal::GetCapturedStdout();
-    return rc;
+    return silently([&] { return VELMRepairPath(widen(line).c_str(), nullptr, dryRun, reports, count); });
 }
 
 unsigned int problems(const std::string &line) {
     VELMCheckProblem *found = nullptr;
     unsigned int count = 0;
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(VELMCheckPath(widen(line).c_str(), &found, &count, nullptr), 0);
-    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(silently([&] { return VELMCheckPath(widen(line).c_str(), &found, &count, nullptr); }), 0);
     VELMCheckFree(found, count);
     return count;
 }

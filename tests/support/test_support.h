@@ -56,6 +56,15 @@ std::string hex(const Bytes &bytes);
 
 std::wstring widen(const std::string &text);
 
+// What f returns, with what it prints to stdout dropped.
+template <class F>
+auto silently(F &&f) {
+    ::testing::internal::CaptureStdout();
+    auto result = f();
+    ::testing::internal::GetCapturedStdout();
+    return result;
+}
+
 }  // namespace velmio::test
 
 #endif
