@@ -42,7 +42,7 @@ Opened openAndReadAll(const TempDir &dir) {
 
 Opened openPatched(const TempDir &dir, const Bytes &good, std::size_t at, std::uint32_t value) {
     Bytes bad = good;
-    patch32(bad, at, value);
+    bad = patched(bad, at, value);
     writeFile(dir.file("Small"), bad);
     return silently([&] { return openAndReadAll(dir); });
 }
@@ -121,7 +121,7 @@ TEST(DataFileCorrupt, BadHeadersAndCountsOrLengthsBeyondTheFile) {
 
     // An index entry pointing past the end of the data file.
     Bytes index = readFile(dir.file("SmallTmIdx"));
-    patch32(index, index.size() - 4, 0x00100000);
+    index = patched(index, index.size() - 4, 0x00100000);
     writeFile(dir.file("SmallTmIdx"), index);
     Opened o = silently([&] { return openAndReadAll(dir); });
     EXPECT_EQ(o.status, 0);

@@ -9,6 +9,7 @@
 #include <initializer_list>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace velmio::test {
@@ -50,6 +51,43 @@ void append(Bytes &out, const Bytes &more);
 Bytes ascii(const std::string &text);
 // Readable hex dump for failure messages.
 std::string hex(const Bytes &bytes);
+
+// Big-endian words; negative values travel as their 32-bit patterns.
+inline Bytes words(std::initializer_list<long long> values) {
+    Bytes out;
+    for (long long v : values) be32(out, static_cast<std::uint32_t>(v));
+    return out;
+}
+
+inline Bytes cat(std::initializer_list<Bytes> parts) {
+    Bytes out;
+    for (const Bytes &p : parts) append(out, p);
+    return out;
+}
+
+// An XDR string of 8-bit characters: length, bytes, zero pad.
+inline Bytes xdrString(const std::string &text) {
+    Bytes out = cat({words({static_cast<long long>(text.size())}), ascii(text)});
+    while (out.size() % 4) out.push_back(0);
+    return out;
+}
+
+// Bytes with the four bytes at offset replaced by a big-endian word.
+inline Bytes patched(Bytes bytes, std::size_t offset, long long word) {
+    const Bytes w = words({word});
+    for (int i = 0; i < 4; ++i) bytes.at(offset + i) = w[i];
+    return bytes;
+}
+
+// Bytes with several words replaced: {offset, word} pairs.
+inline Bytes patched(Bytes bytes, std::initializer_list<std::pair<std::size_t, long long>> edits) {
+    for (const auto &e : edits) bytes = patched(bytes, e.first, e.second);
+    return bytes;
+}
+
+inline void patchWord(const std::string &path, std::size_t offset, long long value) {
+    writeFile(path, patched(readFile(path), offset, value));
+}
 
 // Compares bytes and on mismatch reports the first differing offset.
 ::testing::AssertionResult SameBytes(const Bytes &expected, const Bytes &actual);
