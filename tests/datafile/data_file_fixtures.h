@@ -17,13 +17,6 @@ inline void pad(Bytes &out) {
     while (out.size() % 4) out.push_back(0);
 }
 
-// An XDR string: length unit, bytes, zero padding.
-inline void xstring(Bytes &out, const std::string &text) {
-    be32(out, static_cast<std::uint32_t>(text.size()));
-    append(out, ascii(text));
-    pad(out);
-}
-
 // A double as this system writes it: low-order word first.
 inline void xdouble(Bytes &out, double d) {
     std::uint64_t bits;
@@ -69,12 +62,6 @@ inline int readCode(VELMDataFile &f, int n) {
     const int rc = f.ReadRecord(t, s, v, n);
     f.FreeRecordValues(v);
     return rc;
-}
-
-inline void patch32(Bytes &bytes, std::size_t offset, std::uint32_t value) {
-    Bytes unit;
-    be32(unit, value);
-    std::memcpy(bytes.data() + offset, unit.data(), 4);
 }
 
 }  // namespace velmio::test

@@ -66,20 +66,20 @@ Bytes expectedFile(const AllTypes &all, std::uint32_t &firstRecordOffset, std::u
     Bytes file = ascii("TOVO");
     append(file, be32s({77, 1, 2}));
     Bytes summary = be32s({0, 3, 3});  // size (below), data version, description length
-    xstring(summary, "abc");
+    append(summary, xdrString("abc"));
     append(summary, be32s({0x10, 2, 1000, 2, 500, 1250, 2, 0, 16, 0}));
     be32(summary, 0);
-    xstring(summary, "Id");
+    append(summary, xdrString("Id"));
     be32(summary, 14);
-    xstring(summary, "Tag");
+    append(summary, xdrString("Tag"));
     be32(summary, 7);
     xarray(summary, "xyzzy", 5, 1);
     be32(summary, 44);  // fixed record size: 12 + 6 x 4 + 8
     for (int t = 0; t < 16; ++t) {
         be32(summary, static_cast<std::uint32_t>(t));
-        xstring(summary, kNames[t]);
+        append(summary, xdrString(kNames[t]));
     }
-    patch32(summary, 0, static_cast<std::uint32_t>(summary.size()));
+    summary = patched(summary, 0, static_cast<std::uint32_t>(summary.size()));
     append(file, summary);
 
     firstRecordOffset = static_cast<std::uint32_t>(file.size());
@@ -141,7 +141,7 @@ TEST(DataFileLayout, UpdateRewritesOnlyTheRememberedSummaryFields) {
         ASSERT_EQ(f.SetSummaryAttribute(0, intValue(99), 1), 0);
     }
     Bytes expected = before;
-    patch32(expected, 16 + 4 + 4 + 4 + 8, 0xABCD);  // size, data version, length, "abc"
+    expected = patched(expected, 16 + 4 + 4 + 4 + 8, 0xABCD);  // size, data version, length, "abc"
     EXPECT_TRUE(SameBytes(expected, readFile(dir.file("Attr"))));
 }
 

@@ -15,16 +15,16 @@ void writeVersionOneFile(const TempDir &dir, bool withString) {
     Bytes file = ascii("TOVO");
     append(file, be32s({5, 1, 1}));
     Bytes summary = be32s({0, 0, 0, 3, 2, 100, 1, 50, 75, 1, 0, withString ? 2u : 1u, 0, 0});
-    xstring(summary, "k");
+    append(summary, xdrString("k"));
     be32(summary, 9);
     be32(summary, 8 + 4);  // fixed record size without the length word
     be32(summary, 0);
-    xstring(summary, "n");
+    append(summary, xdrString("n"));
     if (withString) {
         be32(summary, 14);
-        xstring(summary, "s");
+        append(summary, xdrString("s"));
     }
-    patch32(summary, 0, static_cast<std::uint32_t>(summary.size()));
+    summary = patched(summary, 0, static_cast<std::uint32_t>(summary.size()));
     append(file, summary);
     const auto first = static_cast<std::uint32_t>(file.size());
     append(file, be32s({1, 50, 10}));

@@ -19,16 +19,16 @@ TEST(RawDataIndex, WritesItsFixedDeclarationsAndReadsThemBack) {
     Bytes expected = ascii("TOVO");
     append(expected, be32s({70, 1, 2}));
     Bytes summary = be32s({0, 1, 0, 0, 0, 1, 1000, 60, 0, 0, 1, 0, 4, 0, 0});
-    xstring(summary, "DataType");
+    append(summary, xdrString("DataType"));
     be32(summary, 12);
     be32(summary, 12 + 4 * 4);
     const char *names[4] = {"RecordType", "RecordByteOffset", "RecordLength", "VELMProfileNumber"};
     const std::uint32_t types[4] = {0, 1, 0, 0};
     for (int i = 0; i < 4; ++i) {
         be32(summary, types[i]);
-        xstring(summary, names[i]);
+        append(summary, xdrString(names[i]));
     }
-    patch32(summary, 0, static_cast<std::uint32_t>(summary.size()));
+    summary = patched(summary, 0, static_cast<std::uint32_t>(summary.size()));
     append(expected, summary);
     append(expected, be32s({28, 0, 0, 4, 0x80000000u, 0xFFFFFFFFu, 17}));
     EXPECT_TRUE(SameBytes(expected, file));

@@ -8,21 +8,11 @@
 #include "support/test_support.h"
 
 #include <filesystem>
-#include <map>
 
 using namespace velmio::test;
 namespace fs = std::filesystem;
 
 namespace {
-
-using Files = std::map<std::string, Bytes>;
-
-Files snapshot(const std::string &dir) {
-    Files files;
-    for (const auto &entry : fs::directory_iterator(dir))
-        files[entry.path().filename().string()] = readFile(entry.path().string());
-    return files;
-}
 
 TEST(RepairFaults, ARepairCompletesOrLeavesTheDamagedFilesInPlace) {
     TempDir dir;
@@ -43,11 +33,7 @@ TEST(RepairFaults, ARepairCompletesOrLeavesTheDamagedFilesInPlace) {
     const Files damaged = snapshot(line);
 
     sweepFaults(
-        [&] {
-            fs::remove_all(line);
-            fs::create_directories(line);
-            for (const auto &[name, bytes] : damaged) writeFile(line + "/" + name, bytes);
-        },
+        [&] { restore(line, damaged); },
         [&] {
             VELMRepairReport *reports = nullptr;
             unsigned int count = 0;

@@ -8,12 +8,9 @@
 #include "fault_sweep.h"
 #include "support/test_support.h"
 
-#include <filesystem>
-#include <map>
 #include <vector>
 
 using namespace velmio::test;
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -135,12 +132,6 @@ const Line kDepths = {
         return rc ? Values() : v;
     }};
 
-void restore(const std::string &dir, const std::map<std::string, Bytes> &files) {
-    fs::remove_all(dir);
-    fs::create_directories(dir);
-    for (const auto &[path, bytes] : files) writeFile(path, bytes);
-}
-
 TEST(SensorFaults, CreateOfASimpleFamilyNavigationAndProfiles) {
     for (const Line *family : {&kGyro, &kNavigation, &kDepths}) {
         TempDir dir;
@@ -155,8 +146,7 @@ TEST(SensorFaults, StatusSavesAndEditsLeaveTheOldValueOrTheNew) {
     for (const Line *family : {&kGyro, &kNavigation, &kDepths}) {
         TempDir dir;
         ASSERT_EQ(family->create(dir.wpath().c_str()), 0);
-        std::map<std::string, Bytes> before;
-        for (const auto &e : fs::directory_iterator(dir.path())) before[e.path().string()] = readFile(e.path().string());
+        const Files before = snapshot(dir.path());
         const Values old = family->read(dir.wpath().c_str());
         ASSERT_EQ(family->edit(dir.wpath().c_str()), 0);
         const Values edited = family->read(dir.wpath().c_str());

@@ -36,28 +36,24 @@ TEST(SensorOpen, BuildsFileNamesFromTheSensorTable) {
     EXPECT_TRUE(fileExists(dir.file("Gyro")));
     closeAndFree(h);
 
-    h = SensorOpenDir(dir.wpath().c_str(), 53, L"create", &err);
-    ASSERT_NE(h, nullptr);
-    EXPECT_EQ(h->typeId, 4u) << "ObservedDepthsNew is recorded as observed depths";
-    EXPECT_EQ(h->dataPath, dir.wpath() + L"/ObservedDepthsNew");
-    closeAndFree(h);
-
-    h = SensorOpenDir(dir.wpath().c_str(), 32787, L"create", &err);
-    ASSERT_NE(h, nullptr);
-    EXPECT_EQ(h->typeId, 19u);
-    EXPECT_EQ(h->dataPath, dir.wpath() + L"/NewSSSProcessedSideScan");
-    closeAndFree(h);
-
-    h = SensorOpenDir(dir.wpath().c_str(), 20, L"create", &err);
-    ASSERT_NE(h, nullptr);
-    EXPECT_EQ(h->traceFile, nullptr);
-    EXPECT_FALSE(fileExists(dir.file("SideScanTrace")));
-    closeAndFree(h);
-    h = SensorOpenDir(dir.wpath().c_str(), 9, L"create", &err);
-    ASSERT_NE(h, nullptr);
-    EXPECT_NE(h->traceFile, nullptr);
-    EXPECT_TRUE(fileExists(dir.file("SideScanTrace")));
-    closeAndFree(h);
+    // ObservedDepthsNew is recorded as observed depths; only the traced side
+    // scan kind makes a trace file.
+    const struct {
+        unsigned int sensor, typeId;
+        const wchar_t *file;
+        bool traced;
+    } rows[] = {{53, 4, L"ObservedDepthsNew", false}, {32787, 19, L"NewSSSProcessedSideScan", false},
+                {20, 20, L"SideScan", false}, {9, 9, L"SideScan", true}};
+    for (const auto &r : rows) {
+        SCOPED_TRACE(r.sensor);
+        h = SensorOpenDir(dir.wpath().c_str(), r.sensor, L"create", &err);
+        ASSERT_NE(h, nullptr);
+        EXPECT_EQ(h->typeId, r.typeId);
+        EXPECT_EQ(h->dataPath, dir.wpath() + L"/" + r.file);
+        EXPECT_EQ(h->traceFile != nullptr, r.traced);
+        EXPECT_EQ(fileExists(dir.file("SideScanTrace")), r.traced);
+        closeAndFree(h);
+    }
 }
 
 TEST(SensorOpen, QueryAndUpdateOpenExistingFilesInTheirModes) {
@@ -74,9 +70,7 @@ TEST(SensorOpen, QueryAndUpdateOpenExistingFilesInTheirModes) {
     EXPECT_EQ(h->accessMode, 3u);
     closeAndFree(h);
     // An unknown token is kept as the mode and opens the file for update.
-    testing::internal::CaptureStdout();
-    h = SensorOpenDir(dir.wpath().c_str(), 2, L"read", &err);
-    testing::internal::GetCapturedStdout();
+    h = silently([&] { return SensorOpenDir(dir.wpath().c_str(), 2, L"read", &err); });
     ASSERT_NE(h, nullptr);
     EXPECT_EQ(h->accessMode, 5000035u);
     closeAndFree(h);

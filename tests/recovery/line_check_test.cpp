@@ -37,9 +37,7 @@ struct Found {
 std::vector<Found> check(const std::string &path, unsigned int expectedLines) {
     VELMCheckProblem *problems = nullptr;
     unsigned int count = 99, lines = 0;
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(VELMCheckPath(widen(path).c_str(), &problems, &count, &lines), 0);
-    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(silently([&] { return VELMCheckPath(widen(path).c_str(), &problems, &count, &lines); }), 0);
     EXPECT_EQ(lines, expectedLines);
     std::vector<Found> found;
     for (unsigned int i = 0; i < count; ++i) found.push_back({problems[i].sensor, problems[i].number, problems[i].code});

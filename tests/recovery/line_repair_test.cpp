@@ -11,7 +11,6 @@
 #include "support/test_support.h"
 
 #include <filesystem>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -19,13 +18,6 @@ using namespace velmio::test;
 namespace fs = std::filesystem;
 
 namespace {
-
-std::map<std::string, Bytes> snapshot(const std::string &line) {
-    std::map<std::string, Bytes> files;
-    for (const auto &entry : fs::directory_iterator(line))
-        files[entry.path().filename().string()] = readFile(entry.path().string());
-    return files;
-}
 
 // Two segments, so that keeping them differs from one recovered segment.
 void writeLine(const std::string &line) {
@@ -94,18 +86,13 @@ void sideScan(const std::string &line, int count) {
 }
 
 int repair(const std::string &line, int dryRun, VELMRepairReport **reports, unsigned int *count) {
-    testing::internal::CaptureStdout();
-    const int rc = VELMRepairPath(widen(line).c_str(), nullptr, dryRun, reports, count);
-    testing::internal::GetCapturedStdout();
-    return rc;
+    return silently([&] { return VELMRepairPath(widen(line).c_str(), nullptr, dryRun, reports, count); });
 }
 
 unsigned int problems(const std::string &line) {
     VELMCheckProblem *found = nullptr;
     unsigned int count = 0;
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(VELMCheckPath(widen(line).c_str(), &found, &count, nullptr), 0);
-    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(silently([&] { return VELMCheckPath(widen(line).c_str(), &found, &count, nullptr); }), 0);
     VELMCheckFree(found, count);
     return count;
 }

@@ -82,9 +82,7 @@ TEST(ObservedDepthsWrite, ProfileBeamCountIsEnforcedAndEmptyLinesLeaveNoFile) {
     // An unknown token opens the existing file "rb+" and the family writes it
     // afresh, as a create: the line store's long-standing behaviour.
     writeSmallLine(dir);
-    testing::internal::CaptureStdout();
-    h = openLine(ObservedDepthsOpenDir, dir, L"read");
-    testing::internal::GetCapturedStdout();
+    h = silently([&] { return openLine(ObservedDepthsOpenDir, dir, L"read"); });
     ASSERT_NE(h, nullptr);
     EXPECT_EQ(ObservedDepthsBgnSeqWriteSummary(h), 0);
     const Bytes now = readFile(dir.file("ObservedDepths"));

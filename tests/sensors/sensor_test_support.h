@@ -1,5 +1,5 @@
-// Helpers of the sensor tests: words as XDR bytes, file tampering, opening a
-// line, the Gyro line that several tests write and the profile handle's state.
+// Helpers of the sensor tests: opening a line, the Gyro line that several
+// tests write and the profile handle's state.
 #ifndef VELMIO_TESTS_SENSORS_SENSOR_TEST_SUPPORT_H
 #define VELMIO_TESTS_SENSORS_SENSOR_TEST_SUPPORT_H
 
@@ -17,43 +17,6 @@
 namespace velmio::test {
 
 constexpr std::uint32_t kTovo = 0x544F564F;
-
-// Big-endian words; negative values travel as their 32-bit patterns.
-inline Bytes words(std::initializer_list<long long> values) {
-    Bytes out;
-    for (long long v : values) be32(out, static_cast<std::uint32_t>(v));
-    return out;
-}
-
-inline Bytes cat(std::initializer_list<Bytes> parts) {
-    Bytes out;
-    for (const Bytes &p : parts) append(out, p);
-    return out;
-}
-
-// An XDR string of 8-bit characters: length, bytes, zero pad.
-inline Bytes xdrString(const std::string &text) {
-    Bytes out = cat({words({static_cast<long long>(text.size())}), ascii(text)});
-    while (out.size() % 4) out.push_back(0);
-    return out;
-}
-
-// Bytes with the four bytes at offset replaced by a big-endian word.
-inline Bytes patched(Bytes bytes, std::size_t offset, long long word) {
-    const Bytes w = words({word});
-    for (int i = 0; i < 4; ++i) bytes.at(offset + i) = w[i];
-    return bytes;
-}
-
-// Bytes with several words replaced: {offset, word} pairs.
-inline Bytes patched(Bytes bytes, std::initializer_list<std::pair<std::size_t, long long>> edits) {
-    for (const auto &e : edits) bytes = patched(bytes, e.first, e.second);
-    return bytes;
-}
-
-inline void patchWord(const std::string &path, std::size_t offset, long long value) {
-    writeFile(path, patched(readFile(path), offset, value));
-}
 
 // Opens a line directory with a family's OpenDir, expecting no error.
 template <class OpenDir>

@@ -36,6 +36,19 @@ void writeFile(const std::string &path, const Bytes &bytes) {
     out.write(reinterpret_cast<const char *>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
+Files snapshot(const std::string &dir) {
+    Files files;
+    for (const auto &entry : fs::directory_iterator(dir))
+        files[entry.path().filename().string()] = readFile(entry.path().string());
+    return files;
+}
+
+void restore(const std::string &dir, const Files &files) {
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    for (const auto &[name, bytes] : files) writeFile(dir + "/" + name, bytes);
+}
+
 void writeText(const std::string &path, const std::string &text) {
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     out << text;
