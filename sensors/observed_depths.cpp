@@ -275,9 +275,9 @@ VELMIO_API int ObservedDepthsSeqWriteBeams(TOVO_Sensor *handle, unsigned int cou
                                            const unsigned int *statuses) {
     Extent depthRange;
     return appendBeams(
-        handle, kObservedDepths, count, times && ys && xs && depths,
-        [&](ProfileState &s, std::uint32_t i, unsigned char *bytes) {
-            storeBe32(bytes, statusAndOffset(s, times[i], statuses ? statuses[i] : 0));
+        handle, kObservedDepths, count, times && ys && xs && depths, statuses,
+        [&](const BeamClock &clock, std::uint32_t i, std::uint32_t status, unsigned char *bytes) {
+            storeBe32(bytes, clock.word1(times[i], status));
             storeBe32(bytes + 4, asWord(encodeMetres(depths[i])));
             storeBe32(bytes + 8, asWord(encodeMetres(xs[i])));
             storeBe32(bytes + 12, asWord(encodeMetres(ys[i])));

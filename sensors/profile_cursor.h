@@ -157,23 +157,49 @@ int beginProfile(TOVO_Sensor &h, ProfileState &s, std::uint32_t beams, std::uint
                  std::uint32_t status, const std::uint32_t *extra, unsigned extraCount, bool widenTime);
 int writeBeam(TOVO_Sensor &h, ProfileState &s, const std::uint32_t *words, double beamTime);
 int endProfile(TOVO_Sensor &h, ProfileState &s);
+// Word 1 of a beam: status bits over the 16-bit time offset from the ping
+// (TOVO_EncodeDepthTime inline, operation for operation). The bulk writer
+// keeps a copy out of the state: its char stores could alias the state and
+// would make the compiler reload ping time and scale for every beam.
+struct BeamClock {
+    double profileTime;
+    double scale;
+    std::uint32_t word1(double beamTime, std::uint32_t status) const {
+        return (asWord(nint((beamTime - profileTime) * scale)) & 0xFFFFu) | status;
+    }
+};
+inline BeamClock beamClock(const ProfileState &s) { return {s.profileTime, static_cast<double>(s.depthTimeScale)}; }
+inline std::uint32_t statusAndOffset(const ProfileState &s, double beamTime, std::uint32_t status) {
+    return beamClock(s).word1(beamTime, status);
+}
+
 // The bulk form of writeBeam for SeqWriteBeams: enters like the family's
 // other create-mode calls, then encodes beams 0 .. count - 1 straight into
-// the append buffer a buffer's worth at a time. encode(s, i, bytes) stores
-// beam i, widens the family's own extents in locals and returns the beam's
-// time; widen(s) widens the handle's by those locals after each batch (a
-// char store could alias the handle: its extents stay out of the loop). A beam
-// the batch cannot take (a failing flush, more beams than declared) goes
-// through writeOne(i), the per-beam write, so that codes are the same.
+// the append buffer a buffer's worth at a time. encode(clock, i, status,
+// bytes) stores beam i, widens the family's own extents in locals and
+// returns the beam's time; widen(s) widens the handle's by those locals
+// after each batch (a char store could alias the handle: its extents stay
+// out of the loop). A beam the batch cannot take (a failing flush, more
+// beams than declared) goes through writeOne(i), the per-beam write, so
+// that codes are the same. Null statuses write status 0.
 template <class Encode, class Widen, class WriteOne>
-int appendBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, bool inputsPresent, Encode encode,
-                Widen widen, WriteOne writeOne) {
+int appendBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, bool inputsPresent,
+                const unsigned int *statuses, Encode encode, Widen widen, WriteOne writeOne) {
     ProfileState *s = nullptr;
     if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
     if (count == 0) return 0;
     if (!inputsPresent) return -1;
     const std::uint32_t size = f.geometry.itemBytes;
     const std::uint32_t fits = s->profileOpen ? std::min(count, s->beamsDeclared - s->beamsWritten) : 0;
+    const BeamClock clock = beamClock(*s);
+    // One loop per kind of status source, so that the loop tests nothing
+    // but its end.
+    auto encodeBatch = [&](std::uint32_t first, std::uint32_t n, unsigned char *p, auto statusOf) {
+        Extent times;
+        for (std::uint32_t k = first; k < first + n; ++k, p += size)
+            times.widen(encode(clock, k, statusOf(k), p));
+        return times;
+    };
     std::uint32_t i = 0;
     while (i < fits) {
         const std::uint32_t batch = std::min<std::uint32_t>(static_cast<std::uint32_t>(kWindowBytes / size), fits - i);
@@ -183,8 +209,9 @@ int appendBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, boo
             ++i;
             continue;
         }
-        Extent times;
-        for (std::uint32_t j = 0; j < batch; ++j, p += size) times.widen(encode(*s, i + j, p));
+        const Extent times =
+            statuses ? encodeBatch(i, batch, p, [statuses](std::uint32_t k) { return std::uint32_t{statuses[k]}; })
+                     : encodeBatch(i, batch, p, [](std::uint32_t) { return std::uint32_t{0}; });
         s->appender.commit(std::size_t{batch} * size);
         s->beamsWritten += batch;
         s->repositionNeeded = 1;
@@ -194,11 +221,6 @@ int appendBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, boo
         i += batch;
     }
     return i < count ? writeOne(i) : 0;
-}
-// Word 1 of a beam: status bits over the 16-bit time offset from the ping
-// (TOVO_EncodeDepthTime inline, operation for operation).
-inline std::uint32_t statusAndOffset(const ProfileState &s, double beamTime, std::uint32_t status) {
-    return (asWord(nint((beamTime - s.profileTime) * s.depthTimeScale)) & 0xFFFFu) | status;
 }
 // The beam time that word 1 carries.
 inline double beamTime(const ProfileState &s, double profileTime, std::uint32_t word1) {

@@ -188,9 +188,9 @@ VELMIO_API int SLRangeSeqWriteBeams(TOVO_Sensor *handle, unsigned int count, con
                                     const double *beamAngles2, const unsigned int *statuses) {
     const bool present = beamTimes && ranges && values && beamAngles1 && beamAngles2;
     return appendBeams(
-        handle, kSlantRange, count, present,
-        [&](ProfileState &s, std::uint32_t i, unsigned char *bytes) {
-            storeBe32(bytes, statusAndOffset(s, beamTimes[i], statuses ? statuses[i] : 0));
+        handle, kSlantRange, count, present, statuses,
+        [&](const BeamClock &clock, std::uint32_t i, std::uint32_t status, unsigned char *bytes) {
+            storeBe32(bytes, clock.word1(beamTimes[i], status));
             storeBe32(bytes + 4, asWord(encodeMetres(ranges[i])));
             storeBe32(bytes + 8, asWord(truncToInt32(values[i] * 1000000.0)));
             storeBe32(bytes + 12, packAngles(beamAngles1[i], beamAngles2[i]));

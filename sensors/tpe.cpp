@@ -340,9 +340,9 @@ VELMIO_API int TPESeqWriteBeams(TOVO_Sensor *handle, unsigned int count, const d
                                 const double *errors1, const double *errors2, const unsigned int *statuses) {
     Extent range1, range2;
     return appendBeams(
-        handle, kTpe, count, beamTimes && errors1 && errors2,
-        [&](ProfileState &s, std::uint32_t i, unsigned char *bytes) {
-            storeBe32(bytes, statusAndOffset(s, beamTimes[i], statuses ? statuses[i] : 0));
+        handle, kTpe, count, beamTimes && errors1 && errors2, statuses,
+        [&](const BeamClock &clock, std::uint32_t i, std::uint32_t status, unsigned char *bytes) {
+            storeBe32(bytes, clock.word1(beamTimes[i], status));
             storeBe32(bytes + 4, encodeError(errors1[i]));
             storeBe32(bytes + 8, encodeError(errors2[i]));
             range1.widen(errors1[i]);
