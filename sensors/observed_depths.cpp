@@ -233,14 +233,11 @@ VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstPr
         auto metres = [](std::uint32_t w) { return decodeMetres(asSigned(w)); };
         forEachRun<4>(q, n, stride, [&](std::uint32_t done, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
             auto slots = [k, done](auto *array) { return array ? array + k + done : nullptr; };
-            fillColumn(slots(times), run, w[0], [ping, scale](std::uint32_t u) {
-                return decodeDepthTime(ping, scale, static_cast<std::int16_t>(u & 0xFFFFu));
-            });
+            fillBeamWord1(slots(times), slots(statuses), run, w[0], ping, scale);
             fillColumn(slots(ys), run, w[3], metres);
             fillColumn(slots(xs), run, w[2], metres);
             fillColumn(slots(depths), run, w[1], metres);
             if (extras) std::fill_n(extras + k + done, run, 0.0);
-            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u & 0xFFFF0000u; });
         });
     };
     auto readable = [](std::uint32_t) { return true; };  // the range check covers it

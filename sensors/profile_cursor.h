@@ -11,6 +11,7 @@
 #include <velmio/encoding.h>
 
 #include "encoding/rounding.h"
+#include "sensors/column_decode.h"
 #include "sensors/record_engine.h"
 
 #include <algorithm>
@@ -225,6 +226,16 @@ int appendBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, boo
 // The beam time that word 1 carries.
 inline double beamTime(const ProfileState &s, double profileTime, std::uint32_t word1) {
     return decodeDepthTime(profileTime, s.depthTimeScale, static_cast<std::int16_t>(word1 & 0xFFFFu));
+}
+
+// Word 1 of a run of beams as beam times and status halves, beamTime's
+// arithmetic a column at a time; a null array is skipped.
+inline void fillBeamWord1(double *times, unsigned int *statuses, std::uint32_t run, const std::uint32_t *word1,
+                          double profileTime, std::int32_t scale) {
+    fillColumn(times, run, word1, [profileTime, scale](std::uint32_t u) {
+        return decodeDepthTime(profileTime, scale, static_cast<std::int16_t>(u & 0xFFFFu));
+    });
+    fillColumn(statuses, run, word1, [](std::uint32_t u) { return u & 0xFFFF0000u; });
 }
 
 int beginProfileSegment(TOVO_Sensor &h, ProfileState &s, const wchar_t *name);

@@ -277,12 +277,9 @@ VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsi
         const std::int32_t scale = t->depthTimeScale;
         forEachRun<3>(q, n, stride, [&](std::uint32_t done, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
             auto slots = [k, done](auto *array) { return array ? array + k + done : nullptr; };
-            fillColumn(slots(beamTimes), run, w[0], [ping, scale](std::uint32_t u) {
-                return decodeDepthTime(ping, scale, static_cast<std::int16_t>(u & 0xFFFFu));
-            });
+            fillBeamWord1(slots(beamTimes), slots(statuses), run, w[0], ping, scale);
             fillColumn(slots(errors1), run, w[1], decodeError);
             fillColumn(slots(errors2), run, w[2], decodeError);
-            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u & 0xFFFF0000u; });
         });
     };
     auto readable = [t](std::uint32_t p) { return withinBeamTotal(*t, p); };
