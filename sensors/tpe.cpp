@@ -91,6 +91,14 @@ public:
     TpeState &operator=(const TpeState &) = delete;
 
     VELMBlockReader *reader = nullptr;  // null or off: the direct path
+    // A random beam is read directly: loading its block would cost a whole
+    // profile's bytes and an index walk. The block reader is moved where that
+    // jump would have left it only when a sequential or profile read needs it.
+    struct Jump {
+        std::uint32_t block = 0;  // the record the block would start at; 0: none
+        std::uint32_t profile = 0;
+        std::uint32_t beam = 0;
+    } jump;
 };
 
 int enter(TOVO_Sensor *h, unsigned modes, TpeState *&t) {
@@ -122,6 +130,34 @@ int headerFromBlock(TOVO_Sensor &h, TpeState &t, ProfileHeader &header) {
     t.repositionNeeded = 1;
     t.profileTime = header.time;
     return 0;
+}
+
+// A beam of the profile the block reader has just been put on.
+int beamFromBlock(TOVO_Sensor &h, TpeState &t, std::uint32_t beam, std::uint32_t *words) {
+    ProfileHeader header;
+    if (const int rc = headerFromBlock(h, t, header)) return rc;
+    if (!header.holds(beam)) return kTpe.code(kTpe.beamRangeReason);
+    if (!setByteOffset(t.reader, static_cast<long>((beam - header.firstBeam) * kTpe.geometry.itemBytes), 1))
+        return kTpe.code(kSeekFailed);
+    return readFromBlock(h, t, kTpe.geometry.itemBytes, words);
+}
+
+// Whether profile lies in the block a jump to `block` plans.
+bool withinBlock(const TOVO_Sensor &h, const TpeState &t, std::uint32_t block, std::uint32_t profile) {
+    return block != 0 && profile >= block && profile - block < getCacheSize(t.reader) &&
+           profile <= h.timeIndex.entryCount();
+}
+
+// Replays the last direct jump on the block reader: its block, its record
+// and the beam read, so that the reads that follow go on from there.
+void settle(TOVO_Sensor &h, TpeState &t) {
+    const TpeState::Jump jump = t.jump;
+    if (!jump.block) return;
+    t.jump = {};
+    if (readRecord(t.reader, jump.block) != 0) return;
+    if (jump.profile != jump.block && readRecord(t.reader, jump.profile) != 0) return;
+    std::uint32_t words[kMaxRecordWords];
+    beamFromBlock(h, t, jump.beam, words);
 }
 
 void fillHeader(const ProfileHeader &p, unsigned int *numberOfBeams, unsigned int *firstBeam, double *time,
@@ -180,6 +216,7 @@ VELMIO_API int TPEReadProfile(TOVO_Sensor *handle, unsigned int profileNumber, u
     if (const int rc = enter(handle, kReadModes, t)) return rc;
     if (!numberOfBeams || !firstBeam || !time || !profileWord || !status) return -1;
     if (!withinBeamTotal(*t, profileNumber)) return kTpe.code(kOutOfRange);
+    settle(*handle, *t);
     if (readRecord(t->reader, profileNumber) == 0) {
         ProfileHeader header;
         if (const int rc = headerFromBlock(*handle, *t, header)) return rc;
@@ -199,15 +236,17 @@ VELMIO_API int TPERead(TOVO_Sensor *handle, unsigned int profileNumber, unsigned
     if (!beamTime || !error1 || !error2 || !status) return -1;
     if (!withinBeamTotal(*t, profileNumber)) return kTpe.code(kOutOfRange);
     std::uint32_t words[kMaxRecordWords];
-    if (readRecord(t->reader, profileNumber) == 0) {
-        ProfileHeader header;
-        if (const int rc = headerFromBlock(*handle, *t, header)) return rc;
-        if (!header.holds(beamNumber)) return kTpe.code(kTpe.beamRangeReason);
-        if (!setByteOffset(t->reader, static_cast<long>((beamNumber - header.firstBeam) * kTpe.geometry.itemBytes), 1))
-            return kTpe.code(kSeekFailed);
-        if (const int rc = readFromBlock(*handle, *t, kTpe.geometry.itemBytes, words)) return rc;
-    } else if (const int rc = readBeam(*handle, *t, profileNumber, beamNumber, words, kTpe.beamRangeReason)) {
-        return rc;
+    unsigned int first = 0, last = 0;
+    if (!t->jump.block) getStartEndRecordNumber(t->reader, &first, &last);
+    if (first != 0 && profileNumber >= first && profileNumber <= last && readRecord(t->reader, profileNumber) == 0) {
+        if (const int rc = beamFromBlock(*handle, *t, beamNumber, words)) return rc;
+    } else {
+        if (cacheOn(*t)) {
+            if (!withinBlock(*handle, *t, t->jump.block, profileNumber)) t->jump.block = profileNumber;
+            t->jump.profile = profileNumber;
+            t->jump.beam = beamNumber;
+        }
+        if (const int rc = readBeam(*handle, *t, profileNumber, beamNumber, words, kTpe.beamRangeReason)) return rc;
     }
     fillBeam(*t, t->profileTime, words, beamTime, error1, error2, status);
     return 0;
@@ -219,6 +258,7 @@ VELMIO_API int TPEReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeam
     if (const int rc = enter(handle, kQueryMode, t)) return rc;
     if (!numberOfBeams || !firstBeam || !time || !profileWord || !status) return -1;
     ProfileHeader header;
+    settle(*handle, *t);
     if (cacheOn(*t)) {
         // Past the last profile (or on an unusable index) the file position
         // is the block reader's, so there is no direct read to fall back on.
@@ -237,6 +277,7 @@ VELMIO_API int TPEReadSeq(TOVO_Sensor *handle, double *beamTime, double *error1,
     if (const int rc = enter(handle, kQueryMode, t)) return rc;
     if (!beamTime || !error1 || !error2 || !status) return -1;
     std::uint32_t words[kMaxRecordWords];
+    settle(*handle, *t);
     const int rc = cacheOn(*t) ? readFromBlock(*handle, *t, kTpe.geometry.itemBytes, words) : readBeamSeq(*handle, *t, words);
     if (rc) return rc;
     fillBeam(*t, t->profileTime, words, beamTime, error1, error2, status);
