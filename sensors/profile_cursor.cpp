@@ -23,9 +23,9 @@ constexpr std::size_t kRandomReadAhead = 4096;
 // Farther than this behind its header, a beam is read on its own: copying
 // more costs as much as a second small read.
 constexpr std::uint64_t kNearBeamBytes = 8192;
-// Headers remembered per handle at most (48 bytes each), for random beam
+// Headers remembered per handle at most (16 bytes each), for random beam
 // reads only: bulk reads hold no more than their window.
-constexpr std::size_t kKnownHeaderSlots = std::size_t{1} << 15;
+constexpr std::uint32_t kKnownHeaderSlots = std::uint32_t{1} << 16;
 
 void storeWords(unsigned char *out, const std::uint32_t *words, unsigned count) {
     for (unsigned i = 0; i < count; ++i) storeBe32(out + 4 * i, words[i]);
@@ -237,16 +237,23 @@ std::uint64_t profileLimit(TOVO_Sensor &h, ProfileState &s, std::uint32_t profil
 }
 
 void KnownHeaders::keep(const ProfileHeader &header, std::uint32_t profiles) {
-    if (slots_.empty()) {
-        std::size_t size = 1;
+    if (header.beamCount > 0xFFFFu || header.firstBeam > 0xFFFFu) return;
+    if (!slots_) {
+        std::uint32_t size = 1;
         while (size < profiles && size < kKnownHeaderSlots) size <<= 1;
-        try {
-            slots_.resize(size);
-        } catch (const std::bad_alloc &) {
-            return;  // reads go on, each with its header
+        // Zeroed pages come untouched from calloc: a handle that reads few
+        // beams does not pay for clearing the whole table.
+        slots_.reset(static_cast<Slot *>(std::calloc(size, sizeof(Slot))));
+        filled_.reset(static_cast<std::uint64_t *>(std::calloc((size + 63) / 64, sizeof(std::uint64_t))));
+        if (!slots_ || !filled_) {
+            slots_.reset();  // reads go on, each with its header
+            return;
         }
+        mask_ = size - 1;
     }
-    slots_[header.number & (slots_.size() - 1)] = header;
+    const std::uint32_t at = header.number & mask_;
+    slots_[at] = {header.number, header.offset, header.beamCount << 16 | header.firstBeam, asSigned(header.words[2])};
+    filled_[at / 64] |= std::uint64_t{1} << (at % 64);
 }
 
 int loadHeader(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, int decodeReason, std::size_t ahead) {
@@ -284,9 +291,8 @@ int readBeam(TOVO_Sensor &h, ProfileState &s, std::uint32_t profile, std::uint32
     } else {
         s.repositionNeeded = 1;
         bool justRead = false;
-        if (const ProfileHeader *known = s.header.number != profile ? s.knownHeaders.find(profile) : nullptr) {
+        if (s.header.number != profile && s.knownHeaders.find(h, profile, s.header)) {
             // Met before: only the beam is read, and a file cut since fails there.
-            s.header = *known;
         } else if (s.header.number != profile) {
             // One read for the header and, when it lies near, the beam
             // (beams are mostly numbered from 1); a far beam is not worth

@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <vector>
 
@@ -55,8 +56,9 @@ struct ProfileHeader {
     std::uint32_t offset = 0;  // of the header in the data file
     std::uint32_t beamCount = 0;
     std::uint32_t firstBeam = 0;
+    // Status and units as read; zero in a header taken from KnownHeaders.
     std::uint32_t status = 0;
-    std::uint32_t words[5] = {};  // the header's units as read
+    std::uint32_t words[5] = {};
     double time = 0.0;
 
     bool holds(std::uint32_t beam) const { return beam >= firstBeam && beam - firstBeam < beamCount; }
@@ -64,20 +66,45 @@ struct ProfileHeader {
 
 // Headers already read and checked, by profile number: a direct-mapped
 // table made on first use, so that a random beam of a profile met before
-// costs one read of the beam's own bytes. Header reads still go to the file.
+// costs one read of the beam's own bytes. A slot keeps only what locating a
+// beam takes (16 bytes): the table of a long line then stays in the cache
+// more often. Header reads still go to the file.
 class KnownHeaders {
 public:
-    const ProfileHeader *find(std::uint32_t profile) const {
-        if (slots_.empty()) return nullptr;
-        const ProfileHeader &slot = slots_[profile & (slots_.size() - 1)];
-        return slot.number == profile ? &slot : nullptr;
+    // The place, beams and time of a profile met before, into out.
+    bool find(const TOVO_Sensor &h, std::uint32_t profile, ProfileHeader &out) const {
+        if (!slots_) return false;
+        // A bit per slot, small enough to stay in the cache: a profile not
+        // met yet costs no miss on its slot.
+        const std::uint32_t at = profile & mask_;
+        if (!(filled_[at / 64] >> (at % 64) & 1u)) return false;
+        const Slot &slot = slots_[at];
+        if (slot.number != profile) return false;
+        out = ProfileHeader();
+        out.number = profile;
+        out.offset = slot.offset;
+        out.beamCount = slot.beams >> 16;
+        out.firstBeam = slot.beams & 0xFFFFu;
+        out.time = TOVO_DecodeTime(h.referenceTime, h.timeScale, slot.encodedTime);
+        return true;
     }
-    // profiles (the line's count) sizes the table on first use.
+    // profiles (the line's count) sizes the table on first use. A header
+    // whose counts do not fit 16 bits is not kept.
     void keep(const ProfileHeader &header, std::uint32_t profiles);
-    void forget() { slots_.clear(); }
 
 private:
-    std::vector<ProfileHeader> slots_;
+    struct Slot {
+        std::uint32_t number;
+        std::uint32_t offset;
+        std::uint32_t beams;  // count << 16 | first
+        std::int32_t encodedTime;
+    };
+    struct Free {
+        void operator()(void *p) const { std::free(p); }
+    };
+    std::unique_ptr<Slot[], Free> slots_;
+    std::unique_ptr<std::uint64_t[], Free> filled_;
+    std::uint32_t mask_ = 0;
 };
 
 class ProfileState : public EngineState {
