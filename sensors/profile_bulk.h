@@ -255,8 +255,6 @@ inline auto angleProfileBeams(TOVO_Sensor *h, AngleProfileReader read, AngleHead
 
 // The beams of such a family with, where headers has arrays, their headers
 // in one pass: ReadBeams and ReadRange. Beam arrays in the family's order.
-using AngleRangeReader = int (*)(TOVO_Sensor *, unsigned int, unsigned int, const AngleHeaderArrays &, unsigned int,
-                                 unsigned int *, double *, double *, double *, double *, double *, unsigned int *);
 int readObservedDepthsRange(TOVO_Sensor *h, unsigned int first, unsigned int count, const AngleHeaderArrays &headers,
                             unsigned int beamCapacity, unsigned int *beamOffsets, double *times, double *ys,
                             double *xs, double *depths, double *extras, unsigned int *statuses);

@@ -251,7 +251,9 @@ struct TpeHeader {
     unsigned int beams = 0, firstBeam = 0, word = 0, status = 0;
     double time = 0;
 
-    int read(TOVO_Sensor *h, std::uint32_t p) { return TPEReadProfile(h, p, &beams, &firstBeam, &time, &word, &status); }
+    int read(TOVO_Sensor *h, std::uint32_t p) {
+        return TPEReadProfile(h, p, &beams, &firstBeam, &time, &word, &status);
+    }
 };
 
 // The caller's header arrays, any of them null.

@@ -213,6 +213,9 @@ def test_sonar_lines_written_from_python_are_the_c_api_bytes(tmp_path, capi, fam
     for k, part in ((1, "profiles"), (2, "beams")):
         for c in exact[part]:
             np.testing.assert_array_equal(got[part][c], np.concatenate([s[k][c] for s in segments]))
+    # A part is read with its beam total counted first, the whole line with the summary's.
+    at, c = got["beams"]["beam_offsets" if family == "ProcessedDepths" else "sample_offsets"], exact["beams"][0]
+    np.testing.assert_array_equal(line.read(family, 1, 2)["beams"][c], got["beams"][c][at[1]:at[3]])
     if sonar_type in (9, 10):
         t = line.traces(family)
         np.testing.assert_array_equal(t["profile"], [0, 0, 3, 4, 4, 7])

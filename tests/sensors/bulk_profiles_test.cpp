@@ -299,7 +299,7 @@ TEST_P(BulkRange, IsReadProfilesAndReadBeamsInOnePass) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Families, BulkRange, ::testing::ValuesIn(kRangeFamilies),
-                         [](const ::testing::TestParamInfo<RangeFamily> &info) { return std::string(info.param.name); });
+                         [](const ::testing::TestParamInfo<RangeFamily> &i) { return std::string(i.param.name); });
 
 INSTANTIATE_TEST_SUITE_P(Families, BulkProfiles, ::testing::Values(observedDepths(), slantRange(), tpe()),
                          [](const ::testing::TestParamInfo<Family> &info) { return std::string(info.param.name); });
