@@ -25,7 +25,7 @@
 
 namespace {
 
-using velmio::test::TempDir;
+using namespace velmio::test;
 
 constexpr int kThreads = 4;
 constexpr int kRounds = 2;
@@ -76,7 +76,7 @@ void navigation(const std::wstring &dir, double v) {
 // The profile families, one after the other; profile numbers from first on
 // give the thread its own ping and beam times.
 void profiles(const std::wstring &dir, unsigned first) {
-    for (const velmio::test::Family &f : {velmio::test::observedDepths(), velmio::test::slantRange(), velmio::test::tpe()}) {
+    for (const Family &f : {observedDepths(), slantRange(), tpe()}) {
         TOVO_Sensor *h = f.open(dir, L"create");
         ASSERT_NE(h, nullptr) << f.name;
         ASSERT_EQ(f.beginSegment(h, L"a.all"), 0);
@@ -85,12 +85,13 @@ void profiles(const std::wstring &dir, unsigned first) {
             for (unsigned k = 0; k < 3; ++k) ASSERT_EQ(f.writeBeam(h, p, k), 0);
             ASSERT_EQ(f.endProfile(h), 0);
         }
-        EXPECT_EQ(f.endSegment(h, 0) | f.close(h), 0);
+        ASSERT_EQ(f.endSegment(h, 0), 0);
+        EXPECT_EQ(f.close(h), 0);
         h = f.open(dir, L"query");  // TPE's with the block reader (VelmIOCacheSize)
         ASSERT_NE(h, nullptr) << f.name;
-        velmio::test::Reading r;
+        Reading r;
         EXPECT_EQ(f.read(h, 2, 3, r), 0);
-        EXPECT_NEAR(r.v[0], velmio::test::beamTimeOf(first + 1, 2), 1e-3) << f.name;
+        EXPECT_NEAR(r.v[0], beamTimeOf(first + 1, 2), 1e-3) << f.name;
         f.close(h);
     }
 }
@@ -174,7 +175,7 @@ void sharedState(int id) {
 
 TEST(Threads, EveryFamilyAndTheSharedStateAtOnce) {
     TempDir root;
-    velmio::test::writeText(root.file("datums"), "WGS8 6378137.0 298.257223563\nNAD2 6378206.4 6356583.8\n");
+    writeText(root.file("datums"), "WGS8 6378137.0 298.257223563\nNAD2 6378206.4 6356583.8\n");
     ::setenv("kbvXdatum", root.file("datums").c_str(), 1);
     ::setenv("CONSOLE", root.file("diagnostics.txt").c_str(), 1);
     ::setenv("VelmIOCacheSize", "4", 1);
@@ -185,7 +186,7 @@ TEST(Threads, EveryFamilyAndTheSharedStateAtOnce) {
             for (int round = 0; round < kRounds; ++round) {
                 const std::string line = root.file("line" + std::to_string(id) + "-" + std::to_string(round));
                 std::filesystem::create_directory(line);
-                const std::wstring dir = velmio::test::widen(line);
+                const std::wstring dir = widen(line);
                 const double v = 1.0 + id + round / 8.0;
                 sharedState(id);
                 simpleSensor(dir, v / 4);
