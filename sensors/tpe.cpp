@@ -91,12 +91,12 @@ public:
     TpeState &operator=(const TpeState &) = delete;
 
     VELMBlockReader *reader = nullptr;  // null or off: the direct path
-    // A random beam is read directly: loading its block would cost a whole
-    // profile's bytes and an index walk. The block reader is moved where that
-    // jump would have left it only when a sequential or profile read needs it.
+    // A random beam outside the block in hand is read directly: loading its
+    // block would cost a whole profile's bytes and an index walk. The block
+    // reader is moved where that jump would have left it only when a
+    // sequential or profile read, or a second read within that block, needs it.
     struct Jump {
-        std::uint32_t block = 0;  // the record the block would start at; 0: none
-        std::uint32_t profile = 0;
+        std::uint32_t profile = 0;  // where its block would start; 0: none
         std::uint32_t beam = 0;
     } jump;
 };
@@ -142,22 +142,25 @@ int beamFromBlock(TOVO_Sensor &h, TpeState &t, std::uint32_t beam, std::uint32_t
     return readFromBlock(h, t, kTpe.geometry.itemBytes, words);
 }
 
-// Whether profile lies in the block a jump to `block` plans.
-bool withinBlock(const TOVO_Sensor &h, const TpeState &t, std::uint32_t block, std::uint32_t profile) {
-    return block != 0 && profile >= block && profile - block < getCacheSize(t.reader) &&
+// Whether profile lies in the block the pending jump would have planned.
+bool withinJumpBlock(const TOVO_Sensor &h, const TpeState &t, std::uint32_t profile) {
+    const std::uint32_t start = t.jump.profile;
+    return start != 0 && profile >= start && profile - start < getCacheSize(t.reader) &&
            profile <= h.timeIndex.entryCount();
 }
 
-// Replays the last direct jump on the block reader: its block, its record
-// and the beam read, so that the reads that follow go on from there.
-void settle(TOVO_Sensor &h, TpeState &t) {
+// Replays the last direct jump on the block reader: its block and the beam
+// read, so that the reads that follow go on from there.
+void replayJump(TOVO_Sensor &h, TpeState &t) {
     const TpeState::Jump jump = t.jump;
-    if (!jump.block) return;
     t.jump = {};
-    if (readRecord(t.reader, jump.block) != 0) return;
-    if (jump.profile != jump.block && readRecord(t.reader, jump.profile) != 0) return;
+    if (readRecord(t.reader, jump.profile) != 0) return;
     std::uint32_t words[kMaxRecordWords];
     beamFromBlock(h, t, jump.beam, words);
+}
+
+inline void settle(TOVO_Sensor &h, TpeState &t) {
+    if (t.jump.profile) replayJump(h, t);
 }
 
 void fillHeader(const ProfileHeader &p, unsigned int *numberOfBeams, unsigned int *firstBeam, double *time,
@@ -236,16 +239,14 @@ VELMIO_API int TPERead(TOVO_Sensor *handle, unsigned int profileNumber, unsigned
     if (!beamTime || !error1 || !error2 || !status) return -1;
     if (!withinBeamTotal(*t, profileNumber)) return kTpe.code(kOutOfRange);
     std::uint32_t words[kMaxRecordWords];
+    // A second read near the jump: its block is worth loading.
+    if (withinJumpBlock(*handle, *t, profileNumber)) replayJump(*handle, *t);
     unsigned int first = 0, last = 0;
-    if (!t->jump.block) getStartEndRecordNumber(t->reader, &first, &last);
+    if (!t->jump.profile) getStartEndRecordNumber(t->reader, &first, &last);
     if (first != 0 && profileNumber >= first && profileNumber <= last && readRecord(t->reader, profileNumber) == 0) {
         if (const int rc = beamFromBlock(*handle, *t, beamNumber, words)) return rc;
     } else {
-        if (cacheOn(*t)) {
-            if (!withinBlock(*handle, *t, t->jump.block, profileNumber)) t->jump.block = profileNumber;
-            t->jump.profile = profileNumber;
-            t->jump.beam = beamNumber;
-        }
+        if (cacheOn(*t)) t->jump = {profileNumber, beamNumber};
         if (const int rc = readBeam(*handle, *t, profileNumber, beamNumber, words, kTpe.beamRangeReason)) return rc;
     }
     fillBeam(*t, t->profileTime, words, beamTime, error1, error2, status);
