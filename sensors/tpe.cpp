@@ -259,8 +259,8 @@ VELMIO_API int TPEReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeam
     if (const int rc = enter(handle, kQueryMode, t)) return rc;
     if (!numberOfBeams || !firstBeam || !time || !profileWord || !status) return -1;
     ProfileHeader header;
-    settle(*handle, *t);
     if (cacheOn(*t)) {
+        settle(*handle, *t);
         // Past the last profile (or on an unusable index) the file position
         // is the block reader's, so there is no direct read to fall back on.
         if (readRecordSeq(t->reader) != 0) return kTpe.code(kReadFailed);
@@ -278,8 +278,13 @@ VELMIO_API int TPEReadSeq(TOVO_Sensor *handle, double *beamTime, double *error1,
     if (const int rc = enter(handle, kQueryMode, t)) return rc;
     if (!beamTime || !error1 || !error2 || !status) return -1;
     std::uint32_t words[kMaxRecordWords];
-    settle(*handle, *t);
-    const int rc = cacheOn(*t) ? readFromBlock(*handle, *t, kTpe.geometry.itemBytes, words) : readBeamSeq(*handle, *t, words);
+    int rc = 0;
+    if (cacheOn(*t)) {
+        settle(*handle, *t);
+        rc = readFromBlock(*handle, *t, kTpe.geometry.itemBytes, words);
+    } else {
+        rc = readBeamSeq(*handle, *t, words);
+    }
     if (rc) return rc;
     fillBeam(*t, t->profileTime, words, beamTime, error1, error2, status);
     return 0;
