@@ -65,17 +65,13 @@ int readAll(Family family, TOVO_Sensor *h, Columns &c) {
     case Family::Navigation:
         return NavigationReadRange(h, 1, n, c.time.data(), c.v1.data(), c.v2.data(), c.v3.data(), c.status.data());
     case Family::ObservedDepths:
-        if (int rc = ObservedDepthsReadProfiles(h, 1, profiles, c.beams.data(), c.firstBeam.data(),
-                                                c.pingTime.data(), c.angle1.data(), c.angle2.data(),
-                                                c.profileStatus.data()))
-            return rc;
-        return ObservedDepthsReadBeams(h, 1, profiles, n, c.offsets.data(), c.time.data(), c.v1.data(), c.v2.data(),
-                                       c.v3.data(), c.v4.data(), c.status.data());
+        return ObservedDepthsReadRange(h, 1, profiles, c.beams.data(), c.firstBeam.data(), c.pingTime.data(),
+                                       c.angle1.data(), c.angle2.data(), c.profileStatus.data(), n, c.offsets.data(),
+                                       c.time.data(), c.v1.data(), c.v2.data(), c.v3.data(), c.v4.data(),
+                                       c.status.data());
     case Family::TPE:
-        if (int rc = TPEReadProfiles(h, 1, profiles, c.beams.data(), c.firstBeam.data(), c.pingTime.data(),
-                                     c.word.data(), c.profileStatus.data()))
-            return rc;
-        return TPEReadBeams(h, 1, profiles, n, c.offsets.data(), c.time.data(), c.v1.data(), c.v2.data(),
+        return TPEReadRange(h, 1, profiles, c.beams.data(), c.firstBeam.data(), c.pingTime.data(), c.word.data(),
+                            c.profileStatus.data(), n, c.offsets.data(), c.time.data(), c.v1.data(), c.v2.data(),
                             c.status.data());
     }
     return -1;

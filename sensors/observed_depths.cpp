@@ -206,11 +206,14 @@ VELMIO_API int ObservedDepthsReadSeq(TOVO_Sensor *handle, double *time, double *
     return 0;
 }
 
-VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
-                                       unsigned int beamCapacity, unsigned int *beamOffsets, double *times,
-                                       double *ys, double *xs, double *depths, double *extras,
-                                       unsigned int *statuses) {
-    auto beamsOf = angleProfileBeams(handle, ObservedDepthsReadProfile);
+}  // extern "C"
+
+int velmio::readObservedDepthsRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                    const AngleHeaderArrays &headers, unsigned int beamCapacity,
+                                    unsigned int *beamOffsets, double *times, double *ys, double *xs, double *depths,
+                                    double *extras, unsigned int *statuses) {
+    AngleHeader last;
+    auto beamsOf = angleProfileBeams(handle, ObservedDepthsReadProfile, last);
     const ProfileState *s = stateOf<ProfileState>(handle, kObservedDepths);
     auto decode = [&](const unsigned char *q, std::uint32_t n, std::uint32_t k, unsigned stride) {
         if (s->geometry.countOnlyLayout) {
@@ -242,8 +245,10 @@ VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstPr
     };
     auto readable = [](std::uint32_t) { return true; };  // the range check covers it
     return readBeamBatches(handle, kObservedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf,
-                           readable, decode);
+                           readable, decode, [&](std::uint32_t i) { headers.store(last, i); });
 }
+
+extern "C" {
 
 VELMIO_API int ObservedDepthsBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams,
                                                 unsigned int firstBeam, double time, double angle1, double angle2,

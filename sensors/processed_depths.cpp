@@ -278,15 +278,65 @@ VELMIO_API int ProcessedDepthsReadSeq(TOVO_Sensor *handle, ProcessedDepthsSoundi
     return readBeamSections(in, sounding, measurement, reductions);
 }
 
+}  // extern "C"
+
+namespace {
+
+// One header; heads and uncertainty are read only where the caller has arrays for them.
+struct PingHeader {
+    ProcessedDepthsPing ping{};
+    ProcessedDepthsHeads heads{};
+    ProcessedDepthsPingUncertainty uncertainty{};
+};
+
+// The caller's header arrays, any of them null.
+struct PingArrays {
+    ProcessedDepthsPing *pings;
+    ProcessedDepthsHeads *heads;
+    ProcessedDepthsPingUncertainty *uncertainties;
+
+    int read(TOVO_Sensor *h, std::uint32_t p, PingHeader &a) const {
+        return ProcessedDepthsReadProfile(h, p, &a.ping, heads ? &a.heads : nullptr,
+                                          uncertainties ? &a.uncertainty : nullptr);
+    }
+    void store(const PingHeader &a, std::uint32_t i) const {
+        if (pings) pings[i] = a.ping;
+        if (heads) heads[i] = a.heads;
+        if (uncertainties) uncertainties[i] = a.uncertainty;
+    }
+};
+
+// ProcessedDepthsReadBeams, and ProcessedDepthsReadRange when headers has arrays.
+int readRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count, const PingArrays &headers,
+              unsigned int beamCapacity, unsigned int *beamOffsets, ProcessedDepthsSounding *soundings,
+              ProcessedDepthsMeasurement *measurements, ProcessedDepthsReductions *reductions) {
+    PingHeader last;
+    auto beamsOf = [&](std::uint32_t p, std::uint32_t &beams, std::uint32_t &first) {
+        const int rc = headers.read(handle, p, last);
+        beams = last.ping.beamCount;
+        first = last.ping.firstBeam;
+        return rc;
+    };
+    auto readOne = [&](std::uint32_t p, std::uint32_t b, std::uint32_t k) {
+        return ProcessedDepthsRead(handle, p, b, soundings ? soundings + k : nullptr,
+                                   measurements ? measurements + k : nullptr, reductions ? reductions + k : nullptr);
+    };
+    return readBeams(handle, kProcessedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readOne,
+                     [&](std::uint32_t i) { headers.store(last, i); });
+}
+
+}  // namespace
+
+extern "C" {
+
 VELMIO_API int ProcessedDepthsReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
                                            ProcessedDepthsPing *pings, ProcessedDepthsHeads *heads,
                                            ProcessedDepthsPingUncertainty *uncertainties) {
+    const PingArrays headers{pings, heads, uncertainties};
     return readProfiles(handle, kProcessedDepths, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
-        ProcessedDepthsPing ping;
-        if (const int rc = ProcessedDepthsReadProfile(handle, p, &ping, heads ? heads + i : nullptr,
-                                                      uncertainties ? uncertainties + i : nullptr))
-            return rc;
-        if (pings) pings[i] = ping;
+        PingHeader a;
+        if (const int rc = headers.read(handle, p, a)) return rc;
+        headers.store(a, i);
         return 0;
     });
 }
@@ -295,18 +345,18 @@ VELMIO_API int ProcessedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstP
                                         unsigned int beamCapacity, unsigned int *beamOffsets,
                                         ProcessedDepthsSounding *soundings, ProcessedDepthsMeasurement *measurements,
                                         ProcessedDepthsReductions *reductions) {
-    auto beamsOf = [handle](std::uint32_t p, std::uint32_t &beams, std::uint32_t &first) {
-        ProcessedDepthsPing ping{};
-        const int rc = ProcessedDepthsReadProfile(handle, p, &ping, nullptr, nullptr);
-        beams = ping.beamCount;
-        first = ping.firstBeam;
-        return rc;
-    };
-    auto readOne = [&](std::uint32_t p, std::uint32_t b, std::uint32_t k) {
-        return ProcessedDepthsRead(handle, p, b, soundings ? soundings + k : nullptr,
-                                   measurements ? measurements + k : nullptr, reductions ? reductions + k : nullptr);
-    };
-    return readBeams(handle, kProcessedDepths, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readOne);
+    return readRange(handle, firstProfile, count, {}, beamCapacity, beamOffsets, soundings, measurements,
+                     reductions);
+}
+
+VELMIO_API int ProcessedDepthsReadRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                        ProcessedDepthsPing *pings, ProcessedDepthsHeads *heads,
+                                        ProcessedDepthsPingUncertainty *uncertainties, unsigned int beamCapacity,
+                                        unsigned int *beamOffsets, ProcessedDepthsSounding *soundings,
+                                        ProcessedDepthsMeasurement *measurements,
+                                        ProcessedDepthsReductions *reductions) {
+    return readRange(handle, firstProfile, count, {pings, heads, uncertainties}, beamCapacity, beamOffsets,
+                     soundings, measurements, reductions);
 }
 
 VELMIO_API int ProcessedDepthsBgnSeqWriteProfile(TOVO_Sensor *handle, const ProcessedDepthsPing *ping,

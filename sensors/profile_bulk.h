@@ -81,10 +81,17 @@ inline std::uint64_t beamBound(TOVO_Sensor &h, const ProfileState &s, std::uint3
 // range fits (each header is then read once), else by reading every header
 // before the beams.
 // The walk of both: fill(profile, beams, firstBeam, k) fills the slots from
-// k of one profile whose header beamsOf has just read.
-template <class BeamsOf, class Fill>
+// k of one profile whose header beamsOf has just read. storeHeader(i) files
+// that header in slot i of the header arrays, once its beams are in: only in
+// the pass that writes, so that a range that does not fit writes nothing.
+struct NoHeaders {
+    void operator()(std::uint32_t) const {}
+};
+
+template <class BeamsOf, class Fill, class StoreHeader = NoHeaders>
 int readBeamWalk(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
-                 std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, Fill fill) {
+                 std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, Fill fill,
+                 StoreHeader storeHeader = {}) {
     ProfileState *s = nullptr;
     if (const int rc = enterProfile(h, f, kReadModes, s)) return rc;
     if (count == 0) return 0;
@@ -105,21 +112,24 @@ int readBeamWalk(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, st
         if (std::uint64_t{k} + beams > beamCapacity) return f.code(kOutOfRange);
         if (beamOffsets) beamOffsets[i] = k;
         if (const int rc = fill(first + i, beams, firstBeam, k)) return rc;
+        storeHeader(i);
         k += beams;
     }
     if (beamOffsets) beamOffsets[count] = k;
     return 0;
 }
 
-template <class BeamsOf, class ReadBeam>
+template <class BeamsOf, class ReadBeam, class StoreHeader = NoHeaders>
 int readBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
-              std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, ReadBeam readBeam) {
+              std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, ReadBeam readBeam,
+              StoreHeader storeHeader = {}) {
     return readBeamWalk(h, f, first, count, beamCapacity, beamOffsets, beamsOf,
                         [&](std::uint32_t p, std::uint32_t beams, std::uint32_t firstBeam, std::uint32_t k) {
                             for (std::uint32_t b = 0; b < beams; ++b)
                                 if (const int rc = readBeam(p, firstBeam + b, k + b)) return rc;
                             return 0;
-                        });
+                        },
+                        storeHeader);
 }
 
 // readBeams over the bytes of the data file: once beamsOf has loaded a
@@ -128,10 +138,10 @@ int readBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::
 // k + n - 1 from n beams of stride bytes (s.profileTime is the profile's).
 // readable(profile) is the check the family's per-beam read makes of the
 // profile number. The same values as readBeams over the per-beam read.
-template <class BeamsOf, class Readable, class DecodeBatch>
+template <class BeamsOf, class Readable, class DecodeBatch, class StoreHeader = NoHeaders>
 int readBeamBatches(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
                     std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, Readable readable,
-                    DecodeBatch decode) {
+                    DecodeBatch decode, StoreHeader storeHeader = {}) {
     ProfileState *s = nullptr;
     if (const int rc = enterProfile(h, f, kReadModes, s)) return rc;
     if (count == 0) return 0;
@@ -159,15 +169,15 @@ int readBeamBatches(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first,
         s->position = at;
         return 0;
     };
-    return readBeamWalk(h, f, first, count, beamCapacity, beamOffsets, beamsOf, readProfileBeams);
+    return readBeamWalk(h, f, first, count, beamCapacity, beamOffsets, beamsOf, readProfileBeams, storeHeader);
 }
 
 // readBeamBatches for a family that decodes a beam from its words:
 // decode(words, k) fills flat slot k.
-template <class BeamsOf, class Readable, class Decode>
+template <class BeamsOf, class Readable, class Decode, class StoreHeader = NoHeaders>
 int readBeamsInPlace(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first, std::uint32_t count,
                      std::uint32_t beamCapacity, unsigned int *beamOffsets, BeamsOf beamsOf, Readable readable,
-                     Decode decode) {
+                     Decode decode, StoreHeader storeHeader = {}) {
     auto batch = [&](const unsigned char *q, std::uint32_t n, std::uint32_t k, unsigned stride) {
         std::uint32_t words[kMaxRecordWords];
         for (std::uint32_t j = 0; j < n; ++j, q += stride) {
@@ -175,7 +185,7 @@ int readBeamsInPlace(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first
             decode(words, k + j);
         }
     };
-    return readBeamBatches(h, f, first, count, beamCapacity, beamOffsets, beamsOf, readable, batch);
+    return readBeamBatches(h, f, first, count, beamCapacity, beamOffsets, beamsOf, readable, batch, storeHeader);
 }
 
 // Observed depths and slant range read a header the same way (beams, first
@@ -183,34 +193,60 @@ int readBeamsInPlace(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first
 using AngleProfileReader = int (*)(TOVO_Sensor *, unsigned int, unsigned int *, unsigned int *, double *, double *,
                                    double *, unsigned int *);
 
+struct AngleHeader {
+    unsigned int beams = 0, firstBeam = 0, status = 0;
+    double time = 0, angle1 = 0, angle2 = 0;
+
+    int read(TOVO_Sensor *h, AngleProfileReader reader, std::uint32_t p) {
+        return reader(h, p, &beams, &firstBeam, &time, &angle1, &angle2, &status);
+    }
+};
+
+// The caller's header arrays, any of them null.
+struct AngleHeaderArrays {
+    unsigned int *numberOfBeams, *firstBeams;
+    double *times, *angles1, *angles2;
+    unsigned int *statuses;
+
+    void store(const AngleHeader &a, std::uint32_t i) const {
+        if (numberOfBeams) numberOfBeams[i] = a.beams;
+        if (firstBeams) firstBeams[i] = a.firstBeam;
+        if (times) times[i] = a.time;
+        if (angles1) angles1[i] = a.angle1;
+        if (angles2) angles2[i] = a.angle2;
+        if (statuses) statuses[i] = a.status;
+    }
+};
+
 inline int readAngleProfiles(TOVO_Sensor *h, const ProfileFamily &f, AngleProfileReader read, std::uint32_t first,
-                             std::uint32_t count, unsigned int *numberOfBeams, unsigned int *firstBeams,
-                             double *times, double *angles1, double *angles2, unsigned int *statuses) {
+                             std::uint32_t count, const AngleHeaderArrays &headers) {
     return readProfiles(h, f, first, count, [&](std::uint32_t p, std::uint32_t i) {
-        unsigned int n, firstBeam, status;
-        double t, a1, a2;
-        if (const int rc = read(h, p, &n, &firstBeam, &t, &a1, &a2, &status)) return rc;
-        if (numberOfBeams) numberOfBeams[i] = n;
-        if (firstBeams) firstBeams[i] = firstBeam;
-        if (times) times[i] = t;
-        if (angles1) angles1[i] = a1;
-        if (angles2) angles2[i] = a2;
-        if (statuses) statuses[i] = status;
+        AngleHeader a;
+        if (const int rc = a.read(h, read, p)) return rc;
+        headers.store(a, i);
         return 0;
     });
 }
 
-// The beamsOf callable of readBeams over such a header reader.
-inline auto angleProfileBeams(TOVO_Sensor *h, AngleProfileReader read) {
-    return [h, read](std::uint32_t p, std::uint32_t &beams, std::uint32_t &firstBeam) {
-        unsigned int n = 0, f = 0, status;
-        double t, a1, a2;
-        const int rc = read(h, p, &n, &f, &t, &a1, &a2, &status);
-        beams = n;
-        firstBeam = f;
+// The beamsOf callable of readBeams over such a header reader; it keeps the
+// header in last.
+inline auto angleProfileBeams(TOVO_Sensor *h, AngleProfileReader read, AngleHeader &last) {
+    return [h, read, &last](std::uint32_t p, std::uint32_t &beams, std::uint32_t &firstBeam) {
+        const int rc = last.read(h, read, p);
+        beams = last.beams;
+        firstBeam = last.firstBeam;
         return rc;
     };
 }
+
+// The beams of such a family with, where headers has arrays, their headers
+// in one pass: ReadBeams and ReadRange. Beam arrays in the family's order.
+int readObservedDepthsRange(TOVO_Sensor *h, unsigned int first, unsigned int count, const AngleHeaderArrays &headers,
+                            unsigned int beamCapacity, unsigned int *beamOffsets, double *times, double *ys,
+                            double *xs, double *depths, double *extras, unsigned int *statuses);
+int readSlantRangeRange(TOVO_Sensor *h, unsigned int first, unsigned int count, const AngleHeaderArrays &headers,
+                        unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes, double *ranges,
+                        double *values, double *beamAngles1, double *beamAngles2, unsigned int *statuses);
 
 }  // namespace velmio
 

@@ -196,12 +196,29 @@ VELMIO_PROFILE_TIME_SEGMENTS(VELMIO_FORWARD_TIME_SEGMENTS)
     }
 VELMIO_PROFILE_TIME_SUMMARY(VELMIO_FORWARD_TIME_SUMMARY)
 
-#define VELMIO_FORWARD_ANGLE_HEADERS(P, FAMILY)                                                                     \
+// The beam arrays are the family's five columns and statuses, named in its header.
+#define VELMIO_FORWARD_ANGLE_HEADERS(P, FAMILY, RANGE)                                                              \
     extern "C" VELMIO_API int P##ReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,   \
                                               unsigned int *numberOfBeams, unsigned int *firstBeams, double *times, \
                                               double *angles1, double *angles2, unsigned int *statuses) {           \
-        return readAngleProfiles(handle, FAMILY(), P##ReadProfile, firstProfile, count, numberOfBeams, firstBeams,  \
-                                 times, angles1, angles2, statuses);                                                \
+        return readAngleProfiles(handle, FAMILY(), P##ReadProfile, firstProfile, count,                             \
+                                 {numberOfBeams, firstBeams, times, angles1, angles2, statuses});                   \
+    }                                                                                                               \
+    extern "C" VELMIO_API int P##ReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,      \
+                                           unsigned int beamCapacity, unsigned int *beamOffsets, double *column1,   \
+                                           double *column2, double *column3, double *column4, double *column5,      \
+                                           unsigned int *beamStatuses) {                                            \
+        return RANGE(handle, firstProfile, count, {}, beamCapacity, beamOffsets, column1, column2, column3,         \
+                     column4, column5, beamStatuses);                                                               \
+    }                                                                                                               \
+    extern "C" VELMIO_API int P##ReadRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,      \
+                                           unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,    \
+                                           double *angles1, double *angles2, unsigned int *statuses,                \
+                                           unsigned int beamCapacity, unsigned int *beamOffsets, double *column1,   \
+                                           double *column2, double *column3, double *column4, double *column5,      \
+                                           unsigned int *beamStatuses) {                                            \
+        return RANGE(handle, firstProfile, count, {numberOfBeams, firstBeams, times, angles1, angles2, statuses},   \
+                     beamCapacity, beamOffsets, column1, column2, column3, column4, column5, beamStatuses);         \
     }
 VELMIO_PROFILE_ANGLE_HEADERS(VELMIO_FORWARD_ANGLE_HEADERS)
 

@@ -70,9 +70,11 @@ TOVO_Sensor *openCachedProfile(const wchar_t *lineDirectory, std::uint32_t openI
 #define VELMIO_PROFILE_TIME_SUMMARY(X) X(SLRange)
 // LineSegment over time bounds only.
 #define VELMIO_PROFILE_TIME_SEGMENTS(X) X(SLRange) X(TPE) X(SideScan)
-// Headers of beams, first beam, time, two angles and status.
-#define VELMIO_PROFILE_ANGLE_HEADERS(X) \
-    X(ObservedDepths, velmio::observedDepthsProfiles) X(SLRange, velmio::slantRangeProfiles)
+// Headers of beams, first beam, time, two angles and status; beams of five
+// doubles and a status: prefix, family table, range reader.
+#define VELMIO_PROFILE_ANGLE_HEADERS(X)                                                 \
+    X(ObservedDepths, velmio::observedDepthsProfiles, velmio::readObservedDepthsRange) \
+    X(SLRange, velmio::slantRangeProfiles, velmio::readSlantRangeRange)
 
 // Openers without state of their own: prefix, type opened, family table.
 #define VELMIO_PROFILE_PLAIN_OPENERS(X)                      \

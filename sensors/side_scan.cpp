@@ -349,40 +349,39 @@ VELMIO_API int SideScanReadSeq(TOVO_Sensor *handle, int *amplitude, unsigned int
     return 0;
 }
 
-VELMIO_API int SideScanReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
-                                    unsigned int *numbersOfSamples, unsigned int *firstSamples, double *times,
-                                    double *sampleIntervals, int *gains, int *attenuations1, int *attenuations2,
-                                    unsigned int *statuses) {
-    ProfileState *s = nullptr;
-    if (const int rc = enter(handle, kReadModes, s)) return rc;
-    return readProfiles(handle, s->profiles, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
-        unsigned int n, first, status;
-        double t, interval;
-        int g, a1, a2;
-        if (const int rc = SideScanReadProfile(handle, p, &n, &first, &t, &interval, &g, &a1, &a2, &status))
-            return rc;
-        if (numbersOfSamples) numbersOfSamples[i] = n;
-        if (firstSamples) firstSamples[i] = first;
-        if (times) times[i] = t;
-        if (sampleIntervals) sampleIntervals[i] = interval;
-        if (gains) gains[i] = g;
-        if (attenuations1) attenuations1[i] = a1;
-        if (attenuations2) attenuations2[i] = a2;
-        if (statuses) statuses[i] = status;
-        return 0;
-    });
-}
+}  // extern "C"
 
-VELMIO_API int SideScanReadSamples(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
-                                   unsigned int sampleCapacity, unsigned int *sampleOffsets, int *amplitudes,
-                                   unsigned int *detections) {
+namespace {
+
+// The caller's header arrays, any of them null.
+struct PingArrays {
+    unsigned int *numbersOfSamples, *firstSamples;
+    double *times, *sampleIntervals;
+    int *gains, *attenuations1, *attenuations2;
+    unsigned int *statuses;
+
+    void store(const SideScanHeader &p, std::uint32_t i) const {
+        if (numbersOfSamples) numbersOfSamples[i] = p.sampleCount;
+        if (firstSamples) firstSamples[i] = p.firstSample;
+        if (times) times[i] = p.time;
+        if (sampleIntervals) sampleIntervals[i] = p.sampleInterval;
+        if (gains) gains[i] = p.gain;
+        if (attenuations1) attenuations1[i] = p.attenuation1;
+        if (attenuations2) attenuations2[i] = p.attenuation2;
+        if (statuses) statuses[i] = p.status;
+    }
+};
+
+// SideScanReadSamples, and SideScanReadRange when headers has arrays.
+int readRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count, const PingArrays &headers,
+              unsigned int sampleCapacity, unsigned int *sampleOffsets, int *amplitudes, unsigned int *detections) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kReadModes, s)) return rc;
+    SideScanHeader last;
     auto samplesOf = [&](std::uint32_t p, std::uint32_t &samples, std::uint32_t &first) {
-        SideScanHeader header;
-        const int rc = loadPing(*handle, *s, p, header);
-        samples = header.sampleCount;
-        first = header.firstSample;
+        const int rc = loadPing(*handle, *s, p, last);
+        samples = last.sampleCount;
+        first = last.firstSample;
         return rc;
     };
     auto readOne = [&](std::uint32_t p, std::uint32_t k, std::uint32_t slot) {
@@ -393,7 +392,45 @@ VELMIO_API int SideScanReadSamples(TOVO_Sensor *handle, unsigned int firstProfil
         if (detections) detections[slot] = d;
         return 0;
     };
-    return readBeams(handle, s->profiles, firstProfile, count, sampleCapacity, sampleOffsets, samplesOf, readOne);
+    return readBeams(handle, s->profiles, firstProfile, count, sampleCapacity, sampleOffsets, samplesOf, readOne,
+                     [&](std::uint32_t i) { headers.store(last, i); });
+}
+
+}  // namespace
+
+extern "C" {
+
+VELMIO_API int SideScanReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                    unsigned int *numbersOfSamples, unsigned int *firstSamples, double *times,
+                                    double *sampleIntervals, int *gains, int *attenuations1, int *attenuations2,
+                                    unsigned int *statuses) {
+    ProfileState *s = nullptr;
+    if (const int rc = enter(handle, kReadModes, s)) return rc;
+    const PingArrays headers{numbersOfSamples, firstSamples, times, sampleIntervals, gains, attenuations1,
+                             attenuations2, statuses};
+    return readProfiles(handle, s->profiles, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
+        SideScanHeader header;
+        if (const int rc = loadPing(*handle, *s, p, header)) return rc;
+        headers.store(header, i);
+        return 0;
+    });
+}
+
+VELMIO_API int SideScanReadSamples(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                   unsigned int sampleCapacity, unsigned int *sampleOffsets, int *amplitudes,
+                                   unsigned int *detections) {
+    return readRange(handle, firstProfile, count, {}, sampleCapacity, sampleOffsets, amplitudes, detections);
+}
+
+VELMIO_API int SideScanReadRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                 unsigned int *numbersOfSamples, unsigned int *firstSamples, double *times,
+                                 double *sampleIntervals, int *gains, int *attenuations1, int *attenuations2,
+                                 unsigned int *statuses, unsigned int sampleCapacity, unsigned int *sampleOffsets,
+                                 int *amplitudes, unsigned int *detections) {
+    return readRange(handle, firstProfile, count,
+                     {numbersOfSamples, firstSamples, times, sampleIntervals, gains, attenuations1, attenuations2,
+                      statuses},
+                     sampleCapacity, sampleOffsets, amplitudes, detections);
 }
 
 VELMIO_API int SideScanBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfSamples, unsigned int firstSample,

@@ -142,11 +142,14 @@ VELMIO_API int SLRangeReadSeq(TOVO_Sensor *handle, double *beamTime, double *ran
     return 0;
 }
 
-VELMIO_API int SLRangeReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
-                                unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes,
-                                double *ranges, double *values, double *beamAngles1, double *beamAngles2,
-                                unsigned int *statuses) {
-    auto beamsOf = angleProfileBeams(handle, SLRangeReadProfile);
+}  // extern "C"
+
+int velmio::readSlantRangeRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                const AngleHeaderArrays &headers, unsigned int beamCapacity,
+                                unsigned int *beamOffsets, double *beamTimes, double *ranges, double *values,
+                                double *beamAngles1, double *beamAngles2, unsigned int *statuses) {
+    AngleHeader last;
+    auto beamsOf = angleProfileBeams(handle, SLRangeReadProfile, last);
     const ProfileState *s = stateOf<ProfileState>(handle, kSlantRange);
     auto decode = [&](const std::uint32_t *words, std::uint32_t k) {
         double t, r, v, a1, a2;
@@ -161,8 +164,10 @@ VELMIO_API int SLRangeReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, 
     };
     auto readable = [s](std::uint32_t p) { return withinBeamTotal(*s, p); };
     return readBeamsInPlace(handle, kSlantRange, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readable,
-                            decode);
+                            decode, [&](std::uint32_t i) { headers.store(last, i); });
 }
+
+extern "C" {
 
 VELMIO_API int SLRangeBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams, unsigned int firstBeam,
                                          double time, double angle1, double angle2, unsigned int status) {

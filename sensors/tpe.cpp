@@ -243,33 +243,46 @@ VELMIO_API int TPEReadSeq(TOVO_Sensor *handle, double *beamTime, double *error1,
     return 0;
 }
 
-VELMIO_API int TPEReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
-                               unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
-                               unsigned int *profileWords, unsigned int *statuses) {
-    return readProfiles(handle, kTpe, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
-        unsigned int n, first, word, status;
-        double t;
-        if (const int rc = TPEReadProfile(handle, p, &n, &first, &t, &word, &status)) return rc;
-        if (numberOfBeams) numberOfBeams[i] = n;
-        if (firstBeams) firstBeams[i] = first;
-        if (times) times[i] = t;
-        if (profileWords) profileWords[i] = word;
-        if (statuses) statuses[i] = status;
-        return 0;
-    });
-}
+}  // extern "C"
 
-VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
-                            unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes, double *errors1,
-                            double *errors2, unsigned int *statuses) {
-    auto beamsOf = [handle](std::uint32_t p, std::uint32_t &beams, std::uint32_t &first) {
-        unsigned int n, f, word, status;
-        double t;
-        const int rc = TPEReadProfile(handle, p, &n, &f, &t, &word, &status);
-        beams = n;
-        first = f;
+namespace {
+
+struct TpeHeader {
+    unsigned int beams = 0, firstBeam = 0, word = 0, status = 0;
+    double time = 0;
+
+    int read(TOVO_Sensor *h, std::uint32_t p) {
+        return TPEReadProfile(h, p, &beams, &firstBeam, &time, &word, &status);
+    }
+};
+
+// The caller's header arrays, any of them null.
+struct TpeHeaderArrays {
+    unsigned int *numberOfBeams, *firstBeams;
+    double *times;
+    unsigned int *profileWords, *statuses;
+
+    void store(const TpeHeader &a, std::uint32_t i) const {
+        if (numberOfBeams) numberOfBeams[i] = a.beams;
+        if (firstBeams) firstBeams[i] = a.firstBeam;
+        if (times) times[i] = a.time;
+        if (profileWords) profileWords[i] = a.word;
+        if (statuses) statuses[i] = a.status;
+    }
+};
+
+// TPEReadBeams, and TPEReadRange when headers has arrays.
+int readRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count, const TpeHeaderArrays &headers,
+              unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes, double *errors1,
+              double *errors2, unsigned int *statuses) {
+    TpeHeader last;
+    auto beamsOf = [&](std::uint32_t p, std::uint32_t &beams, std::uint32_t &first) {
+        const int rc = last.read(handle, p);
+        beams = last.beams;
+        first = last.firstBeam;
         return rc;
     };
+    auto storeHeader = [&](std::uint32_t i) { headers.store(last, i); };
     TpeState *t = stateOf<TpeState>(handle, kTpe);
     // fillBeam's arithmetic, a field at a time.
     auto decode = [&](const unsigned char *q, std::uint32_t n, std::uint32_t k, unsigned stride) {
@@ -285,7 +298,7 @@ VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsi
     auto readable = [t](std::uint32_t p) { return withinBeamTotal(*t, p); };
     if (!t || !cacheOn(*t))
         return readBeamBatches(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, readable,
-                               decode);
+                               decode, storeHeader);
     // The block reader holds the profile beamsOf has just read: its beams are
     // decoded where they lie in the block.
     auto fromBlock = [&](std::uint32_t p, std::uint32_t beams, std::uint32_t firstBeam, std::uint32_t k) {
@@ -311,7 +324,40 @@ VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsi
         }
         return 0;
     };
-    return readBeamWalk(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, fromBlock);
+    return readBeamWalk(handle, kTpe, firstProfile, count, beamCapacity, beamOffsets, beamsOf, fromBlock,
+                        storeHeader);
+}
+
+}  // namespace
+
+extern "C" {
+
+VELMIO_API int TPEReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                               unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
+                               unsigned int *profileWords, unsigned int *statuses) {
+    const TpeHeaderArrays headers{numberOfBeams, firstBeams, times, profileWords, statuses};
+    return readProfiles(handle, kTpe, firstProfile, count, [&](std::uint32_t p, std::uint32_t i) {
+        TpeHeader a;
+        if (const int rc = a.read(handle, p)) return rc;
+        headers.store(a, i);
+        return 0;
+    });
+}
+
+VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                            unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes, double *errors1,
+                            double *errors2, unsigned int *statuses) {
+    return readRange(handle, firstProfile, count, {}, beamCapacity, beamOffsets, beamTimes, errors1, errors2,
+                     statuses);
+}
+
+VELMIO_API int TPEReadRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                            unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
+                            unsigned int *profileWords, unsigned int *statuses, unsigned int beamCapacity,
+                            unsigned int *beamOffsets, double *beamTimes, double *errors1, double *errors2,
+                            unsigned int *beamStatuses) {
+    return readRange(handle, firstProfile, count, {numberOfBeams, firstBeams, times, profileWords, statuses},
+                     beamCapacity, beamOffsets, beamTimes, errors1, errors2, beamStatuses);
 }
 
 VELMIO_API int TPEBgnSeqWriteProfile(TOVO_Sensor *handle, unsigned int numberOfBeams, unsigned int firstBeam,

@@ -190,10 +190,11 @@ struct ProfileOps {
     // and the header columns (count values each).
     int (*readProfiles)(TOVO_Sensor *, unsigned int first, unsigned int count, unsigned int *beams,
                         unsigned int *firstBeams, Columns &header);
-    // Every beam of those profiles: offsets (count + 1) and the beam columns
-    // (capacity values each).
-    int (*readBeams)(TOVO_Sensor *, unsigned int first, unsigned int count, unsigned int capacity,
-                     unsigned int *offsets, Columns &beam);
+    // Those headers and, in the same pass, every beam of those profiles:
+    // offsets (count + 1) and the beam columns (capacity values each).
+    int (*readRange)(TOVO_Sensor *, unsigned int first, unsigned int count, unsigned int *beams,
+                     unsigned int *firstBeams, Columns &header, unsigned int capacity, unsigned int *offsets,
+                     Columns &beam);
 };
 
 // Unsigned outputs of the bulk calls into a double column.
@@ -212,23 +213,26 @@ public:
         columns_.insert(columns_.end(), ops.beam.begin(), ops.beam.end());
     }
     const std::vector<Column> &columns() const override { return columns_; }
-    // Whole profiles, as many as fit in maxRows beams (at least one).
+    // Whole profiles, as many as fit in maxRows beams (at least one), in one
+    // read each: as many profiles as the last read's beams per profile
+    // allow, halved while the read fails (one that does not fit writes
+    // nothing; a damaged profile is reported after the good ones before it).
     int next(std::vector<double> &rows, std::size_t maxRows) override {
         rows.clear();
         if (next_ == 0 || next_ > last_) return 0;
-        const unsigned int batch =
-            static_cast<unsigned int>(std::min<std::size_t>(std::max<std::size_t>(maxRows, 1), last_ - next_ + 1));
-        beams_.resize(batch);
-        firstBeams_.resize(batch);
-        for (auto &c : header_) c.resize(batch);
-        if (int rc = ops_.readProfiles(h_, next_, batch, beams_.data(), firstBeams_.data(), header_)) return rc;
-        unsigned int take = 0;
-        std::size_t total = 0;
-        while (take < batch && (take == 0 || total + beams_[take] <= maxRows)) total += beams_[take++];
-        offsets_.resize(take + 1);
-        for (auto &c : beam_) c.resize(std::max<std::size_t>(total, 1));
-        if (int rc = ops_.readBeams(h_, next_, take, static_cast<unsigned int>(total), offsets_.data(), beam_))
-            return rc;
+        const auto capacity = static_cast<unsigned int>(std::clamp<std::size_t>(maxRows, 1, 1u << 30));
+        unsigned int take = std::clamp(capacity / std::max(beamsPerProfile_, 1u), 1u, last_ - next_ + 1);
+        int rc;
+        while ((rc = read(take, capacity)) != 0 && take > 1) take /= 2;
+        if (rc != 0) {
+            // A profile of more beams than maxRows: read with room for them all.
+            unsigned int beams = 0, firstBeam = 0;
+            for (auto &c : header_) c.resize(1);
+            if ((rc = ops_.readProfiles(h_, next_, 1, &beams, &firstBeam, header_)) != 0) return rc;
+            if ((rc = read(1, std::max(beams, 1u))) != 0) return rc;
+        }
+        const std::size_t total = offsets_[take];
+        beamsPerProfile_ = static_cast<unsigned int>((total + take - 1) / take);
         const std::size_t width = columns_.size();
         rows.resize(total * width);
         double *row = rows.data();
@@ -246,10 +250,21 @@ public:
     }
 
 private:
+    int read(unsigned int take, unsigned int capacity) {
+        beams_.resize(take);
+        firstBeams_.resize(take);
+        offsets_.resize(take + 1);
+        for (auto &c : header_) c.resize(take);
+        for (auto &c : beam_) c.resize(capacity);
+        return ops_.readRange(h_, next_, take, beams_.data(), firstBeams_.data(), header_, capacity, offsets_.data(),
+                              beam_);
+    }
+
+
     TOVO_Sensor *h_;
     const ProfileOps &ops_;
     std::vector<Column> columns_;
-    unsigned int next_, last_;
+    unsigned int next_, last_, beamsPerProfile_ = 0;
     std::vector<unsigned int> beams_, firstBeams_, offsets_;
     Columns header_, beam_;
 };
@@ -272,11 +287,14 @@ const ProfileOps kObservedDepthsOps = {
         widenColumn(status, c[3]);
         return rc;
     },
-    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int capacity, unsigned int *offsets, Columns &c) {
-        std::vector<unsigned int> status(c[5].size());
-        const int rc = ObservedDepthsReadBeams(h, first, n, capacity, offsets, c[0].data(), c[1].data(), c[2].data(),
-                                               c[3].data(), c[4].data(), status.data());
-        widenColumn(status, c[5]);
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int *beams, unsigned int *firstBeams, Columns &c,
+       unsigned int capacity, unsigned int *offsets, Columns &b) {
+        std::vector<unsigned int> status(n), beamStatus(capacity);
+        const int rc = ObservedDepthsReadRange(h, first, n, beams, firstBeams, c[0].data(), c[1].data(), c[2].data(),
+                                               status.data(), capacity, offsets, b[0].data(), b[1].data(),
+                                               b[2].data(), b[3].data(), b[4].data(), beamStatus.data());
+        widenColumn(status, c[3]);
+        widenColumn(beamStatus, b[5]);
         return rc;
     }};
 
@@ -298,11 +316,14 @@ const ProfileOps kSlantRangeOps = {
         widenColumn(status, c[3]);
         return rc;
     },
-    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int capacity, unsigned int *offsets, Columns &c) {
-        std::vector<unsigned int> status(c[5].size());
-        const int rc = SLRangeReadBeams(h, first, n, capacity, offsets, c[0].data(), c[1].data(), c[2].data(),
-                                        c[3].data(), c[4].data(), status.data());
-        widenColumn(status, c[5]);
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int *beams, unsigned int *firstBeams, Columns &c,
+       unsigned int capacity, unsigned int *offsets, Columns &b) {
+        std::vector<unsigned int> status(n), beamStatus(capacity);
+        const int rc = SLRangeReadRange(h, first, n, beams, firstBeams, c[0].data(), c[1].data(), c[2].data(),
+                                        status.data(), capacity, offsets, b[0].data(), b[1].data(), b[2].data(),
+                                        b[3].data(), b[4].data(), beamStatus.data());
+        widenColumn(status, c[3]);
+        widenColumn(beamStatus, b[5]);
         return rc;
     }};
 
@@ -319,11 +340,14 @@ const ProfileOps kTpeOps = {
         widenColumn(status, c[2]);
         return rc;
     },
-    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int capacity, unsigned int *offsets, Columns &c) {
-        std::vector<unsigned int> status(c[3].size());
-        const int rc =
-            TPEReadBeams(h, first, n, capacity, offsets, c[0].data(), c[1].data(), c[2].data(), status.data());
-        widenColumn(status, c[3]);
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int *beams, unsigned int *firstBeams, Columns &c,
+       unsigned int capacity, unsigned int *offsets, Columns &b) {
+        std::vector<unsigned int> words(n), status(n), beamStatus(capacity);
+        const int rc = TPEReadRange(h, first, n, beams, firstBeams, c[0].data(), words.data(), status.data(), capacity,
+                                    offsets, b[0].data(), b[1].data(), b[2].data(), beamStatus.data());
+        widenColumn(words, c[1]);
+        widenColumn(status, c[2]);
+        widenColumn(beamStatus, b[3]);
         return rc;
     }};
 
@@ -348,14 +372,42 @@ const ProfileOps kSideScanOps = {
         widenColumn(status, c[5]);
         return rc;
     },
-    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int capacity, unsigned int *offsets, Columns &c) {
-        std::vector<int> amplitudes(c[0].size());
-        std::vector<unsigned int> detections(c[1].size());
-        const int rc = SideScanReadSamples(h, first, n, capacity, offsets, amplitudes.data(), detections.data());
-        widenColumn(amplitudes, c[0]);
-        widenColumn(detections, c[1]);
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int *beams, unsigned int *firstBeams, Columns &c,
+       unsigned int capacity, unsigned int *offsets, Columns &b) {
+        std::vector<int> gains(n), a1(n), a2(n), amplitudes(capacity);
+        std::vector<unsigned int> status(n), detections(capacity);
+        const int rc = SideScanReadRange(h, first, n, beams, firstBeams, c[0].data(), c[1].data(), gains.data(),
+                                         a1.data(), a2.data(), status.data(), capacity, offsets, amplitudes.data(),
+                                         detections.data());
+        widenColumn(gains, c[2]);
+        widenColumn(a1, c[3]);
+        widenColumn(a2, c[4]);
+        widenColumn(status, c[5]);
+        widenColumn(amplitudes, b[0]);
+        widenColumn(detections, b[1]);
         return rc;
     }};
+
+// Processed depths pings and beams as the table's columns.
+void pingColumns(const std::vector<ProcessedDepthsPing> &pings, unsigned int *beams, unsigned int *firstBeams,
+                 Columns &c) {
+    for (std::size_t i = 0; i < pings.size(); ++i) {
+        const ProcessedDepthsPing &p = pings[i];
+        beams[i] = p.beamCount;
+        firstBeams[i] = p.firstBeam;
+        const double values[] = {p.time, double(p.pingNumber), p.latitude, p.longitude, p.heading, double(p.status)};
+        for (std::size_t k = 0; k < c.size(); ++k) c[k][i] = values[k];
+    }
+}
+
+void beamColumns(const std::vector<ProcessedDepthsSounding> &s, const std::vector<ProcessedDepthsMeasurement> &m,
+                 Columns &c) {
+    for (std::size_t i = 0; i < s.size(); ++i) {
+        const double values[] = {s[i].time,     s[i].depth,     s[i].acrossTrack,     s[i].alongTrack,
+                                 s[i].latitude, s[i].longitude, m[i].reflectivity, double(s[i].status)};
+        for (std::size_t k = 0; k < c.size(); ++k) c[k][i] = values[k];
+    }
+}
 
 const ProfileOps kProcessedDepthsOps = {
     {{"ping_time", ColumnType::Time},
@@ -375,24 +427,18 @@ const ProfileOps kProcessedDepthsOps = {
     [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int *beams, unsigned int *firstBeams, Columns &c) {
         std::vector<ProcessedDepthsPing> pings(n);
         const int rc = ProcessedDepthsReadProfiles(h, first, n, pings.data(), nullptr, nullptr);
-        for (unsigned int i = 0; i < n; ++i) {
-            const ProcessedDepthsPing &p = pings[i];
-            beams[i] = p.beamCount;
-            firstBeams[i] = p.firstBeam;
-            const double values[] = {p.time, double(p.pingNumber), p.latitude, p.longitude, p.heading, double(p.status)};
-            for (std::size_t k = 0; k < c.size(); ++k) c[k][i] = values[k];
-        }
+        pingColumns(pings, beams, firstBeams, c);
         return rc;
     },
-    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int capacity, unsigned int *offsets, Columns &c) {
-        std::vector<ProcessedDepthsSounding> s(c[0].size());
-        std::vector<ProcessedDepthsMeasurement> m(c[0].size());
-        const int rc = ProcessedDepthsReadBeams(h, first, n, capacity, offsets, s.data(), m.data(), nullptr);
-        for (std::size_t i = 0; i < s.size(); ++i) {
-            const double values[] = {s[i].time,     s[i].depth,     s[i].acrossTrack,     s[i].alongTrack,
-                                     s[i].latitude, s[i].longitude, m[i].reflectivity, double(s[i].status)};
-            for (std::size_t k = 0; k < c.size(); ++k) c[k][i] = values[k];
-        }
+    [](TOVO_Sensor *h, unsigned int first, unsigned int n, unsigned int *beams, unsigned int *firstBeams, Columns &c,
+       unsigned int capacity, unsigned int *offsets, Columns &b) {
+        std::vector<ProcessedDepthsPing> pings(n);
+        std::vector<ProcessedDepthsSounding> s(capacity);
+        std::vector<ProcessedDepthsMeasurement> m(capacity);
+        const int rc = ProcessedDepthsReadRange(h, first, n, pings.data(), nullptr, nullptr, capacity, offsets,
+                                                s.data(), m.data(), nullptr);
+        pingColumns(pings, beams, firstBeams, c);
+        beamColumns(s, m, b);
         return rc;
     }};
 

@@ -82,6 +82,16 @@ VELMIO_API int ObservedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstPr
                                        unsigned int beamCapacity, unsigned int *beamOffsets, double *times,
                                        double *ys, double *xs, double *depths, double *extras,
                                        unsigned int *statuses);
+/* ReadProfiles and ReadBeams in one pass over the file, each header read
+ * once: the header arrays of ReadProfiles, then those of ReadBeams, with
+ * the same values and rules; a range that does not fit writes nothing in
+ * any array. */
+VELMIO_API int ObservedDepthsReadRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                       unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
+                                       double *angles1, double *angles2, unsigned int *statuses,
+                                       unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes,
+                                       double *ys, double *xs, double *depths, double *extras,
+                                       unsigned int *beamStatuses);
 /* The next header (query only) and the next beam (query or update) at the
  * file position: after open, profile 1. */
 VELMIO_API int ObservedDepthsReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeams, unsigned int *firstBeam,

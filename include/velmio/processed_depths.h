@@ -135,6 +135,15 @@ VELMIO_API int ProcessedDepthsReadBeams(TOVO_Sensor *handle, unsigned int firstP
                                         unsigned int beamCapacity, unsigned int *beamOffsets,
                                         ProcessedDepthsSounding *soundings, ProcessedDepthsMeasurement *measurements,
                                         ProcessedDepthsReductions *reductions);
+/* ReadProfiles and ReadBeams in one pass, each header read once: the
+ * header arrays of ReadProfiles, then those of ReadBeams, with the same
+ * values and rules; a range that does not fit writes nothing in any array. */
+VELMIO_API int ProcessedDepthsReadRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                        ProcessedDepthsPing *pings, ProcessedDepthsHeads *heads,
+                                        ProcessedDepthsPingUncertainty *uncertainties, unsigned int beamCapacity,
+                                        unsigned int *beamOffsets, ProcessedDepthsSounding *soundings,
+                                        ProcessedDepthsMeasurement *measurements,
+                                        ProcessedDepthsReductions *reductions);
 
 /* Writing (create mode). The ping is required (-1 when null); null heads,
  * uncertainty, measurement or reductions are written as zeros. A profile is

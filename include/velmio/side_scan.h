@@ -102,6 +102,14 @@ VELMIO_API int SideScanReadProfiles(TOVO_Sensor *handle, unsigned int firstProfi
 VELMIO_API int SideScanReadSamples(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
                                    unsigned int sampleCapacity, unsigned int *sampleOffsets, int *amplitudes,
                                    unsigned int *detections);
+/* ReadProfiles and ReadSamples in one pass, each header read once: the
+ * header arrays of ReadProfiles, then those of ReadSamples, with the same
+ * values and rules; a range that does not fit writes nothing in any array. */
+VELMIO_API int SideScanReadRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                 unsigned int *numbersOfSamples, unsigned int *firstSamples, double *times,
+                                 double *sampleIntervals, int *gains, int *attenuations1, int *attenuations2,
+                                 unsigned int *statuses, unsigned int sampleCapacity, unsigned int *sampleOffsets,
+                                 int *amplitudes, unsigned int *detections);
 
 /* Writing (create mode). A profile is followed by exactly its
  * numberOfSamples samples: one more is refused with 5000919 and

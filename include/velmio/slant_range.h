@@ -74,6 +74,15 @@ VELMIO_API int SLRangeReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, 
                                 unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes,
                                 double *ranges, double *values, double *beamAngles1, double *beamAngles2,
                                 unsigned int *statuses);
+/* ReadProfiles and ReadBeams in one pass over the file, each header read
+ * once: the header arrays of ReadProfiles, then those of ReadBeams, with
+ * the same values and rules; a range that does not fit writes nothing in
+ * any array. */
+VELMIO_API int SLRangeReadRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                                unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
+                                double *angles1, double *angles2, unsigned int *statuses, unsigned int beamCapacity,
+                                unsigned int *beamOffsets, double *beamTimes, double *ranges, double *values,
+                                double *beamAngles1, double *beamAngles2, unsigned int *beamStatuses);
 /* The next header and the next beam at the file position (query only). */
 VELMIO_API int SLRangeReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeams, unsigned int *firstBeam,
                                      double *time, double *angle1, double *angle2, unsigned int *status);

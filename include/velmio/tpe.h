@@ -78,6 +78,15 @@ VELMIO_API int TPEReadProfiles(TOVO_Sensor *handle, unsigned int firstProfile, u
 VELMIO_API int TPEReadBeams(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
                             unsigned int beamCapacity, unsigned int *beamOffsets, double *beamTimes, double *errors1,
                             double *errors2, unsigned int *statuses);
+/* ReadProfiles and ReadBeams in one pass over the file, each header read
+ * once (through the block reader too, when VelmIOCacheSize sets one): the
+ * header arrays of ReadProfiles, then those of ReadBeams, with the same
+ * values and rules; a range that does not fit writes nothing in any array. */
+VELMIO_API int TPEReadRange(TOVO_Sensor *handle, unsigned int firstProfile, unsigned int count,
+                            unsigned int *numberOfBeams, unsigned int *firstBeams, double *times,
+                            unsigned int *profileWords, unsigned int *statuses, unsigned int beamCapacity,
+                            unsigned int *beamOffsets, double *beamTimes, double *errors1, double *errors2,
+                            unsigned int *beamStatuses);
 /* The next header and the next beam (query only). */
 VELMIO_API int TPEReadProfileSeq(TOVO_Sensor *handle, unsigned int *numberOfBeams, unsigned int *firstBeam,
                                  double *time, unsigned int *profileWord, unsigned int *status);

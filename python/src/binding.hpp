@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 class VELMVesselSensorConfig;
 
@@ -47,6 +48,21 @@ py::object broadcast(const py::handle &value, py::ssize_t n);
 py::array_t<std::int64_t, py::array::c_style> indexArray(const py::handle &indices, std::int64_t limit);
 // Refuses arrays of another length than count.
 void requireLength(py::ssize_t length, py::ssize_t count, const char *name);
+
+// The beams of n profiles of a range: readCounts(counts) fills their
+// counts (without the GIL) and gives the library's code.
+template <class ReadCounts>
+std::size_t beamTotal(unsigned n, ReadCounts readCounts) {
+    std::vector<unsigned> counts(n);
+    {
+        py::gil_scoped_release unlocked;
+        if (n) check(readCounts(counts.data()), "read");
+    }
+    std::uint64_t total = 0;
+    for (unsigned c : counts) total += c;
+    if (total > 0xFFFFFFFFull) throw Failure{kBadArgument, "more beams than one read can hold"};
+    return static_cast<std::size_t>(total);
+}
 
 template <class T>
 py::array_t<T> newArray(py::ssize_t count) {

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -312,26 +313,58 @@ public:
         return columns({{"time", t}, {"latitude", a}, {"longitude", b}, {"metres", c}, {"status", s}});
     }
 
+    // The header arrays of n profiles, as ReadProfiles and ReadRange fill them.
+    struct Headers {
+        py::array_t<double> t, a, b;
+        py::array_t<std::uint32_t> beams, firstBeam, word, s;
+        explicit Headers(unsigned n) : t(n), a(n), b(n), beams(n), firstBeam(n), word(n), s(n) {}
+        py::dict dict(Shape shape) const {
+            py::dict d = columns({{"time", t}, {"beam_count", beams}, {"first_beam", firstBeam}, {"status", s}});
+            if (shape == Shape::Tpe) {
+                d["profile_word"] = word;
+            } else {
+                d["angle1"] = a;
+                d["angle2"] = b;
+            }
+            return d;
+        }
+    };
+
+    // The flat beam arrays of total beams and the offsets of n profiles.
+    struct Beams {
+        py::array_t<double> t, a, b, c, e;
+        py::array_t<std::uint32_t> s;
+        std::vector<unsigned> offsets;
+        Beams(py::ssize_t total, unsigned n)
+            : t(total), a(total), b(total), c(total), e(total), s(total), offsets(n + 1) {}
+        py::dict dict(Shape shape) const {
+            py::array_t<std::int64_t> o(static_cast<py::ssize_t>(offsets.size()));
+            std::copy(offsets.begin(), offsets.end(), o.mutable_data());
+            switch (shape) {
+            case Shape::ObservedDepths:
+                return columns({{"time", t}, {"y", a}, {"x", b}, {"depth", c}, {"extra", e}, {"status", s},
+                                {"beam_offsets", o}});
+            case Shape::SlantRange:
+                return columns({{"time", t}, {"range", a}, {"value", b}, {"angle1", c}, {"angle2", e},
+                                {"status", s}, {"beam_offsets", o}});
+            default:
+                return columns({{"time", t}, {"error1", a}, {"error2", b}, {"status", s}, {"beam_offsets", o}});
+            }
+        }
+    };
+
     // Headers of profiles [first, first + count) (from 0).
     py::dict readProfiles(unsigned first, py::object countArg) {
         requireProfiles();
         const unsigned n = clampRange(first, countArg, count());
-        py::array_t<double> t(n), a(n), b(n);
-        py::array_t<std::uint32_t> beams(n), firstBeam(n), word(n), s(n);
-        double *tp = out(t), *ap = out(a), *bp = out(b);
-        unsigned *np = out(beams), *fp = out(firstBeam), *wp = out(word), *sp = out(s);
+        Headers h(n);
         {
+            unsigned *np = out(h.beams), *fp = out(h.firstBeam), *wp = out(h.word), *sp = out(h.s);
+            double *tp = out(h.t), *ap = out(h.a), *bp = out(h.b);
             py::gil_scoped_release unlocked;
             readHeaders(first, n, np, fp, tp, ap, bp, wp, sp);
         }
-        py::dict d = columns({{"time", t}, {"beam_count", beams}, {"first_beam", firstBeam}, {"status", s}});
-        if (family_.shape == Shape::Tpe) {
-            d["profile_word"] = word;
-        } else {
-            d["angle1"] = a;
-            d["angle2"] = b;
-        }
-        return d;
+        return h.dict(family_.shape);
     }
 
     // Beams of profiles [first, first + count), flat, with the offsets of
@@ -339,46 +372,84 @@ public:
     py::dict readBeams(unsigned first, py::object countArg) {
         requireProfiles();
         const unsigned n = clampRange(first, countArg, count());
-        std::vector<unsigned> counts(n);
-        {
-            py::gil_scoped_release unlocked;
-            readHeaders(first, n, counts.data(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+        Beams b(static_cast<py::ssize_t>(beamTotal(first, n)), n);
+        readBeamsInto(first, n, nullptr, b);
+        return b.dict(family_.shape);
+    }
+
+    // Both in one pass: {"profiles": ..., "beams": ...}. The whole line takes
+    // its beam total from the summary, so its headers are read once.
+    py::dict readRange(unsigned first, py::object countArg) {
+        requireProfiles();
+        const unsigned all = count();
+        const unsigned n = clampRange(first, countArg, all);
+        Headers h(n);
+        std::unique_ptr<Beams> b;
+        if (first == 0 && n == all) {
+            b = std::make_unique<Beams>(summaryBeams(), n);
+            if (!readBeamsInto(first, n, &h, *b, false) || b->offsets[n] != static_cast<std::size_t>(b->t.size()))
+                b.reset();
         }
-        py::ssize_t total = 0;
-        for (unsigned c : counts) total += c;
-        if (total > 0xFFFFFFFFLL) throw Failure{kBadArgument, "more beams than one read can hold"};
-        std::vector<unsigned> beamOffsets(n + 1);
-        py::array_t<double> t(total), a(total), b(total), c(total), e(total);
-        py::array_t<std::uint32_t> s(total);
-        double *tp = out(t), *ap = out(a), *bp = out(b), *cp = out(c), *ep = out(e);
-        unsigned *sp = out(s);
+        if (!b) {
+            b = std::make_unique<Beams>(static_cast<py::ssize_t>(beamTotal(first, n)), n);
+            readBeamsInto(first, n, &h, *b);
+        }
+        py::dict d;
+        d["profiles"] = h.dict(family_.shape);
+        d["beams"] = b->dict(family_.shape);
+        return d;
+    }
+
+    // The beams of profiles first .. first + n - 1 (from 0) by a counting read of their headers.
+    std::size_t beamTotal(unsigned first, unsigned n) {
+        return python::beamTotal(n, [&](unsigned *counts) {
+            readHeaders(first, n, counts, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+            return 0;
+        });
+    }
+
+    unsigned summaryBeams() {
+        unsigned n = 0;
+        switch (family_.shape) {
+        case Shape::ObservedDepths: check(ObservedDepthsSummary(h_, 0, 0, 0, &n, 0, 0, 0, 0, 0), "summary"); break;
+        case Shape::SlantRange: check(SLRangeSummary(h_, 0, 0, 0, &n, 0, 0, 0), "summary"); break;
+        default: check(TPESummary(h_, 0, 0, &n, 0, 0, 0, 0, 0, 0, 0, 0, 0), "summary"); break;
+        }
+        return n;
+    }
+
+    // ReadBeams into b, or ReadRange when h is given; false on a failure
+    // that is not to be raised.
+    bool readBeamsInto(unsigned first, unsigned n, Headers *h, Beams &b, bool raise = true) {
+        const auto capacity = static_cast<unsigned>(b.t.size());
+        unsigned *o = b.offsets.data(), *sp = out(b.s);
+        double *tp = out(b.t), *ap = out(b.a), *bp = out(b.b), *cp = out(b.c), *ep = out(b.e);
+        unsigned *hn = h ? out(h->beams) : nullptr, *hf = h ? out(h->firstBeam) : nullptr;
+        unsigned *hw = h ? out(h->word) : nullptr, *hs = h ? out(h->s) : nullptr;
+        double *ht = h ? out(h->t) : nullptr, *ha = h ? out(h->a) : nullptr, *hb = h ? out(h->b) : nullptr;
+        int rc = 0;
         {
             py::gil_scoped_release unlocked;
-            const unsigned capacity = static_cast<unsigned>(total);
-            unsigned *o = beamOffsets.data();
             switch (family_.shape) {
             case Shape::ObservedDepths:
-                check(ObservedDepthsReadBeams(h_, first + 1, n, capacity, o, tp, ap, bp, cp, ep, sp), "read");
+                rc = h ? ObservedDepthsReadRange(h_, first + 1, n, hn, hf, ht, ha, hb, hs, capacity, o, tp, ap, bp, cp,
+                                                 ep, sp)
+                       : ObservedDepthsReadBeams(h_, first + 1, n, capacity, o, tp, ap, bp, cp, ep, sp);
                 break;
             case Shape::SlantRange:
-                check(SLRangeReadBeams(h_, first + 1, n, capacity, o, tp, ap, bp, cp, ep, sp), "read");
+                rc = h ? SLRangeReadRange(h_, first + 1, n, hn, hf, ht, ha, hb, hs, capacity, o, tp, ap, bp, cp, ep, sp)
+                       : SLRangeReadBeams(h_, first + 1, n, capacity, o, tp, ap, bp, cp, ep, sp);
                 break;
-            default: check(TPEReadBeams(h_, first + 1, n, capacity, o, tp, ap, bp, sp), "read"); break;
+            default:
+                rc = h ? TPEReadRange(h_, first + 1, n, hn, hf, ht, hw, hs, capacity, o, tp, ap, bp, sp)
+                       : TPEReadBeams(h_, first + 1, n, capacity, o, tp, ap, bp, sp);
+                break;
             }
         }
-        if (n == 0) beamOffsets[0] = 0;
-        py::array_t<std::int64_t> offsets(n + 1);
-        std::copy(beamOffsets.begin(), beamOffsets.end(), offsets.mutable_data());
-        switch (family_.shape) {
-        case Shape::ObservedDepths:
-            return columns({{"time", t}, {"y", a}, {"x", b}, {"depth", c}, {"extra", e}, {"status", s},
-                            {"beam_offsets", offsets}});
-        case Shape::SlantRange:
-            return columns({{"time", t}, {"range", a}, {"value", b}, {"angle1", c}, {"angle2", e}, {"status", s},
-                            {"beam_offsets", offsets}});
-        default:
-            return columns({{"time", t}, {"error1", a}, {"error2", b}, {"status", s}, {"beam_offsets", offsets}});
-        }
+        if (rc && !raise) return false;
+        check(rc, "read");
+        if (n == 0) b.offsets[0] = 0;
+        return true;
     }
 
     // One segment of a time series family from equal-length columns.
@@ -742,6 +813,7 @@ void registerSensors(py::module_ &m) {
         .def("read_records", &Sensor::readRecords, py::arg("first") = 0, py::arg("count") = py::none())
         .def("read_profiles", &Sensor::readProfiles, py::arg("first") = 0, py::arg("count") = py::none())
         .def("read_beams", &Sensor::readBeams, py::arg("first") = 0, py::arg("count") = py::none())
+        .def("read_range", &Sensor::readRange, py::arg("first") = 0, py::arg("count") = py::none())
         .def("write_records", &Sensor::writeRecords, py::arg("name"), py::arg("data"), py::arg("status") = 0)
         .def("write_profiles", &Sensor::writeProfiles, py::arg("name"), py::arg("profiles"), py::arg("beams"),
              py::arg("status") = 0)

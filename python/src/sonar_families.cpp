@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -226,6 +227,111 @@ struct HandedOut {
     ~HandedOut() { std::free(text); }
 };
 
+// The header arrays of n pings, as ReadProfiles and ReadRange fill them:
+// the structures of processed depths, one array per field of side scan.
+struct Pings {
+    std::vector<ProcessedDepthsPing> pings;
+    std::vector<ProcessedDepthsHeads> heads;
+    std::vector<ProcessedDepthsPingUncertainty> sds;
+    py::array_t<std::uint32_t> samples, firsts, statuses;
+    py::array_t<double> times, intervals;
+    py::array_t<std::int32_t> gains, att1, att2;
+
+    Pings(bool sideScan, unsigned n)
+        : pings(sideScan ? 0 : n), heads(pings.size()), sds(pings.size()), samples(sideScan ? n : 0),
+          firsts(samples.size()), statuses(samples.size()), times(samples.size()), intervals(samples.size()),
+          gains(samples.size()), att1(samples.size()), att2(samples.size()) {}
+    py::dict dict(bool sideScan) const {
+        if (!sideScan) {
+            py::array records(pingDtype(), std::vector<py::ssize_t>{static_cast<py::ssize_t>(pings.size())});
+            auto *p = static_cast<PingRecord *>(records.mutable_data());
+            for (std::size_t i = 0; i < pings.size(); ++i) p[i] = PingRecord{pings[i], heads[i], sds[i]};
+            return fieldsOf(records);
+        }
+        py::dict d;
+        d["time"] = times, d["sample_count"] = samples, d["first_sample"] = firsts, d["sample_interval"] = intervals;
+        d["gain"] = gains, d["attenuation1"] = att1, d["attenuation2"] = att2, d["status"] = statuses;
+        return d;
+    }
+};
+
+py::array_t<std::int64_t> int64s(const std::vector<unsigned> &values) {
+    py::array_t<std::int64_t> out(static_cast<py::ssize_t>(values.size()));
+    std::copy(values.begin(), values.end(), out.mutable_data());
+    return out;
+}
+
+// The flat beams (samples) of total and the offsets of n pings.
+struct Samples {
+    std::size_t size;
+    std::vector<ProcessedDepthsSounding> s;
+    std::vector<ProcessedDepthsMeasurement> m;
+    std::vector<ProcessedDepthsReductions> r;
+    py::array_t<std::int32_t> amplitudes;
+    py::array_t<std::uint32_t> detections;
+    std::vector<unsigned> offsets;
+
+    Samples(bool sideScan, std::size_t total, unsigned n)
+        : size(total), s(sideScan ? 0 : total), m(s.size()), r(s.size()),
+          amplitudes(static_cast<py::ssize_t>(sideScan ? total : 0)), detections(amplitudes.size()),
+          offsets(n + 1, 0) {}
+    py::dict dict(bool sideScan) const {
+        py::dict d;
+        if (sideScan) {
+            d["amplitude"] = amplitudes, d["detection"] = detections;
+            d["sample_offsets"] = int64s(offsets);
+            return d;
+        }
+        py::array records(beamDtype(), std::vector<py::ssize_t>{static_cast<py::ssize_t>(size)});
+        auto *b = static_cast<BeamRecord *>(records.mutable_data());
+        for (std::size_t i = 0; i < size; ++i) b[i] = BeamRecord{s[i], m[i], r[i]};
+        d = fieldsOf(records);
+        d["beam_offsets"] = int64s(offsets);
+        return d;
+    }
+};
+
+// ReadProfiles into p, ReadBeams (ReadSamples) into b, or into both
+// ReadRange; the arrays' pointers are taken before the GIL is released.
+class BulkRead {
+public:
+    BulkRead(Pings *p, Samples *b)
+        : p_(p), b_(b), sp_(p ? ptr<unsigned>(p->samples) : nullptr), fp_(p ? ptr<unsigned>(p->firsts) : nullptr),
+          stp_(p ? ptr<unsigned>(p->statuses) : nullptr), tp_(p ? p->times.mutable_data() : nullptr),
+          ip_(p ? p->intervals.mutable_data() : nullptr), gp_(p ? p->gains.mutable_data() : nullptr),
+          a1_(p ? p->att1.mutable_data() : nullptr), a2_(p ? p->att2.mutable_data() : nullptr),
+          ap_(b ? b->amplitudes.mutable_data() : nullptr), dp_(b ? ptr<unsigned>(b->detections) : nullptr) {}
+
+    int operator()(TOVO_Sensor *h, bool sideScan, unsigned first, unsigned n) const {
+        if (n == 0) return 0;
+        const auto capacity = static_cast<unsigned>(b_ ? b_->size : 0);
+        unsigned *o = b_ ? b_->offsets.data() : nullptr;
+        if (sideScan) {
+            if (!b_) return SideScanReadProfiles(h, first + 1, n, sp_, fp_, tp_, ip_, gp_, a1_, a2_, stp_);
+            if (!p_) return SideScanReadSamples(h, first + 1, n, capacity, o, ap_, dp_);
+            return SideScanReadRange(h, first + 1, n, sp_, fp_, tp_, ip_, gp_, a1_, a2_, stp_, capacity, o, ap_, dp_);
+        }
+        if (!b_)
+            return ProcessedDepthsReadProfiles(h, first + 1, n, p_->pings.data(), p_->heads.data(), p_->sds.data());
+        if (!p_)
+            return ProcessedDepthsReadBeams(h, first + 1, n, capacity, o, b_->s.data(), b_->m.data(), b_->r.data());
+        return ProcessedDepthsReadRange(h, first + 1, n, p_->pings.data(), p_->heads.data(), p_->sds.data(), capacity,
+                                        o, b_->s.data(), b_->m.data(), b_->r.data());
+    }
+
+private:
+    template <class T, class A>
+    static T *ptr(A &array) {
+        return reinterpret_cast<T *>(array.mutable_data());
+    }
+    Pings *p_;
+    Samples *b_;
+    unsigned *sp_, *fp_, *stp_;
+    double *tp_, *ip_;
+    int *gp_, *a1_, *a2_, *ap_;
+    unsigned *dp_;
+};
+
 class SonarSensor {
 public:
     SonarSensor(const py::object &line, const std::string &family, const std::string &mode, const py::object &type)
@@ -341,85 +447,68 @@ public:
     // Headers of pings [first, first + count) (from 0).
     py::dict readProfiles(unsigned first, const py::object &countArg) {
         const unsigned n = range(first, countArg);
-        if (!family_.sideScan) {
-            py::array records(pingDtype(), std::vector<py::ssize_t>{static_cast<py::ssize_t>(n)});
-            auto *p = static_cast<PingRecord *>(records.mutable_data());
-            // Filled as three strided passes: the library takes one array per section.
-            std::vector<ProcessedDepthsPing> pings(n);
-            std::vector<ProcessedDepthsHeads> heads(n);
-            std::vector<ProcessedDepthsPingUncertainty> sds(n);
-            {
-                py::gil_scoped_release unlocked;
-                if (n) check(ProcessedDepthsReadProfiles(h_, first + 1, n, pings.data(), heads.data(), sds.data()),
-                             "read");
-                for (unsigned i = 0; i < n; ++i) p[i] = PingRecord{pings[i], heads[i], sds[i]};
-            }
-            return fieldsOf(records);
-        }
-        py::array_t<std::uint32_t> samples(n), firsts(n), statuses(n);
-        py::array_t<double> times(n), intervals(n);
-        py::array_t<std::int32_t> gains(n), att1(n), att2(n);
+        Pings p(family_.sideScan, n);
+        const BulkRead read(&p, nullptr);
         {
-            auto *sp = reinterpret_cast<unsigned *>(samples.mutable_data());
-            auto *fp = reinterpret_cast<unsigned *>(firsts.mutable_data());
-            auto *stp = reinterpret_cast<unsigned *>(statuses.mutable_data());
-            double *tp = times.mutable_data(), *ip = intervals.mutable_data();
-            int *gp = gains.mutable_data(), *a1 = att1.mutable_data(), *a2 = att2.mutable_data();
             py::gil_scoped_release unlocked;
-            if (n) check(SideScanReadProfiles(h_, first + 1, n, sp, fp, tp, ip, gp, a1, a2, stp), "read");
+            check(read(h_, family_.sideScan, first, n), "read");
         }
-        py::dict d;
-        d["time"] = times, d["sample_count"] = samples, d["first_sample"] = firsts, d["sample_interval"] = intervals;
-        d["gain"] = gains, d["attenuation1"] = att1, d["attenuation2"] = att2, d["status"] = statuses;
-        return d;
+        return p.dict(family_.sideScan);
     }
 
     // Beams (samples) of pings [first, first + count), flat, with the
     // offset of each ping's first one (count + 1 of them).
     py::dict readBeams(unsigned first, const py::object &countArg) {
         const unsigned n = range(first, countArg);
-        std::vector<unsigned> counts(n), offsets(n + 1, 0);
+        Samples b(family_.sideScan, beamTotal(first, n), n);
+        const BulkRead read(nullptr, &b);
         {
             py::gil_scoped_release unlocked;
-            if (n) check(family_.sideScan ? SideScanReadProfiles(h_, first + 1, n, counts.data(), 0, 0, 0, 0, 0, 0, 0)
-                                          : ProcessedDepthsReadBeamCounts(first, n, counts.data()),
-                         "read");
+            check(read(h_, family_.sideScan, first, n), "read");
         }
-        std::uint64_t total = 0;
-        for (unsigned c : counts) total += c;
-        if (total > 0xFFFFFFFFull) throw Failure{kBadArgument, "more samples than one read can hold"};
-        const auto size = static_cast<py::ssize_t>(total);
+        return b.dict(family_.sideScan);
+    }
+
+    // Both in one pass: {"profiles": ..., "beams": ...}. The whole line takes
+    // its beam total from the summary, so its headers are read once.
+    py::dict readRange(unsigned first, const py::object &countArg) {
+        const unsigned all = count();
+        const unsigned n = range(first, countArg);
+        Pings p(family_.sideScan, n);
+        std::unique_ptr<Samples> b;
+        int rc = -1;
+        if (first == 0 && n == all) {
+            b = std::make_unique<Samples>(family_.sideScan, summaryBeams(), n);
+            const BulkRead read(&p, b.get());
+            py::gil_scoped_release unlocked;
+            rc = read(h_, family_.sideScan, first, n);
+        }
+        if (rc != 0 || b->offsets[n] != b->size) {
+            b = std::make_unique<Samples>(family_.sideScan, beamTotal(first, n), n);
+            const BulkRead read(&p, b.get());
+            py::gil_scoped_release unlocked;
+            check(read(h_, family_.sideScan, first, n), "read");
+        }
         py::dict d;
-        if (family_.sideScan) {
-            py::array_t<std::int32_t> amplitudes(size);
-            py::array_t<std::uint32_t> detections(size);
-            int *ap = amplitudes.mutable_data();
-            auto *dp = reinterpret_cast<unsigned *>(detections.mutable_data());
-            {
-                py::gil_scoped_release unlocked;
-                if (n) check(SideScanReadSamples(h_, first + 1, n, static_cast<unsigned>(total), offsets.data(), ap, dp),
-                             "read");
-            }
-            d["amplitude"] = amplitudes, d["detection"] = detections;
-            d["sample_offsets"] = int64s(offsets);
-            return d;
-        }
-        py::array records(beamDtype(), std::vector<py::ssize_t>{size});
-        auto *b = static_cast<BeamRecord *>(records.mutable_data());
-        {
-            std::vector<ProcessedDepthsSounding> s(total);
-            std::vector<ProcessedDepthsMeasurement> m(total);
-            std::vector<ProcessedDepthsReductions> r(total);
-            py::gil_scoped_release unlocked;
-            if (n)
-                check(ProcessedDepthsReadBeams(h_, first + 1, n, static_cast<unsigned>(total), offsets.data(), s.data(),
-                                               m.data(), r.data()),
-                      "read");
-            for (std::size_t i = 0; i < total; ++i) b[i] = BeamRecord{s[i], m[i], r[i]};
-        }
-        d = fieldsOf(records);
-        d["beam_offsets"] = int64s(offsets);
+        d["profiles"] = p.dict(family_.sideScan);
+        d["beams"] = b->dict(family_.sideScan);
         return d;
+    }
+
+    // The beams of pings first .. first + n - 1 (from 0) by a counting read of their headers.
+    std::size_t beamTotal(unsigned first, unsigned n) {
+        return python::beamTotal(n, [&](unsigned *counts) {
+            return family_.sideScan ? SideScanReadProfiles(h_, first + 1, n, counts, 0, 0, 0, 0, 0, 0, 0)
+                                    : ProcessedDepthsReadBeamCounts(first, n, counts);
+        });
+    }
+
+    unsigned summaryBeams() {
+        unsigned n = 0;
+        check(family_.sideScan ? SideScanSummary(live(), 0, 0, 0, &n, 0, 0, 0, 0, 0)
+                               : ProcessedDepthsSummary(live(), 0, 0, 0, &n, 0, 0, 0, 0, 0),
+              "summary");
+        return n;
     }
 
     // One segment: per-ping headers and flat beams (samples), each ping
@@ -680,11 +769,6 @@ private:
         return rc;
     }
 
-    static py::array_t<std::int64_t> int64s(const std::vector<unsigned> &values) {
-        py::array_t<std::int64_t> out(static_cast<py::ssize_t>(values.size()));
-        std::copy(values.begin(), values.end(), out.mutable_data());
-        return out;
-    }
 
     const SonarFamily &family_;
     std::string mode_;
@@ -717,7 +801,8 @@ void registerSonarFamilies(py::module_ &m) {
         .def("count", &SonarSensor::count)
         .def("segments", &SonarSensor::segments)
         .def("read_profiles", &SonarSensor::readProfiles, py::arg("first") = 0, py::arg("count") = py::none())
-        .def("read_beams", &SonarSensor::readBeams, py::arg("first") = 0, py::arg("count") = py::none());
+        .def("read_beams", &SonarSensor::readBeams, py::arg("first") = 0, py::arg("count") = py::none())
+        .def("read_range", &SonarSensor::readRange, py::arg("first") = 0, py::arg("count") = py::none());
 }
 
 }  // namespace velmio::python

@@ -102,9 +102,8 @@ class Line:
         ``sample_count``); ``first`` and ``count`` count profiles."""
         with _Handle(self.open(family)) as h:
             if family in PROFILE_FAMILIES:
-                profiles = _with_datetimes(h.read_profiles(first, count))
-                beams = _with_datetimes(h.read_beams(first, count))
-                return {"profiles": profiles, "beams": beams}
+                both = h.read_range(first, count)
+                return {"profiles": _with_datetimes(both["profiles"]), "beams": _with_datetimes(both["beams"])}
             return _with_datetimes(h.read_records(first, count))
 
     def traces(self, family="SideScan"):

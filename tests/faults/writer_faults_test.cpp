@@ -1,8 +1,8 @@
 // Writers that append or update in place: a failure comes back as a
 // documented code, and what was complete before the call still reads.
-#include <velmio/data_file.hpp>
 #include <velmio/log_file.h>
 
+#include "datafile/data_file_fixtures.h"
 #include "fault_sweep.h"
 #include "support/test_support.h"
 
@@ -31,13 +31,6 @@ TEST(WriterFaults, LogAppendKeepsEarlierLines) {
                         EXPECT_TRUE(text == "first\n" || text == "first\nsecond\n") << text;
                     }
                 });
-}
-
-dataValue intValue(int i) {
-    dataValue v;
-    v.d = 0;
-    v.i = i;
-    return v;
 }
 
 constexpr int kRecords = 3;

@@ -20,40 +20,31 @@ void closeAndFree(TOVO_Sensor *h) {
 }
 }  // namespace
 
+// Names and ids come from the sensor table (the segment and index names
+// follow the data file's in every layout test); ObservedDepthsNew is recorded
+// as observed depths, and only the traced side scan kind makes a trace file.
 TEST(SensorOpen, BuildsFileNamesFromTheSensorTable) {
     TempDir dir;
     int err = -1;
-    TOVO_Sensor *h = SensorOpenDir(dir.wpath().c_str(), 1, L"create", &err);
-    ASSERT_NE(h, nullptr);
-    EXPECT_EQ(err, 0);
-    EXPECT_EQ(h->typeId, 1u);
-    EXPECT_EQ(h->accessMode, 1u);
-    EXPECT_EQ(h->dataPath, dir.wpath() + L"/Gyro");
-    EXPECT_EQ(h->segmentPath, dir.wpath() + L"/GyroLineSegments");
-    EXPECT_EQ(h->timeIndexPath, dir.wpath() + L"/GyroTmIdx");
-    EXPECT_EQ(h->timeScale, 1000);
-    EXPECT_EQ(h->extents[0].min, velmio::kEmptyMin);
-    EXPECT_TRUE(fileExists(dir.file("Gyro")));
-    closeAndFree(h);
-
-    // ObservedDepthsNew is recorded as observed depths; only the traced side
-    // scan kind makes a trace file.
     const struct {
         unsigned int sensor, typeId;
         const wchar_t *file;
         bool traced;
-    } rows[] = {{53, 4, L"ObservedDepthsNew", false}, {32787, 19, L"NewSSSProcessedSideScan", false},
-                {20, 20, L"SideScan", false}, {9, 9, L"SideScan", true}};
+    } rows[] = {{1, 1, L"Gyro", false}, {53, 4, L"ObservedDepthsNew", false},
+                {32787, 19, L"NewSSSProcessedSideScan", false}, {20, 20, L"SideScan", false}, {9, 9, L"SideScan", true}};
     for (const auto &r : rows) {
         SCOPED_TRACE(r.sensor);
-        h = SensorOpenDir(dir.wpath().c_str(), r.sensor, L"create", &err);
+        TOVO_Sensor *h = SensorOpenDir(dir.wpath().c_str(), r.sensor, L"create", &err);
         ASSERT_NE(h, nullptr);
+        EXPECT_EQ(err, 0);
         EXPECT_EQ(h->typeId, r.typeId);
         EXPECT_EQ(h->dataPath, dir.wpath() + L"/" + r.file);
+        EXPECT_EQ(h->segmentPath, h->dataPath + L"LineSegments");
         EXPECT_EQ(h->traceFile != nullptr, r.traced);
         EXPECT_EQ(fileExists(dir.file("SideScanTrace")), r.traced);
         closeAndFree(h);
     }
+    EXPECT_TRUE(fileExists(dir.file("Gyro")));
 }
 
 TEST(SensorOpen, QueryAndUpdateOpenExistingFilesInTheirModes) {

@@ -1,5 +1,5 @@
 """Shared pieces of the Python package tests: sample data of every family and
-the C API itself (libvelmio through ctypes) as the reference side."""
+the C API itself (libvelmio through ctypes) as the reference writer."""
 
 import ctypes
 import os
@@ -9,7 +9,6 @@ import pytest
 
 import velmio
 
-RECORD_FAMILIES = [f for f in velmio.FAMILIES if f not in velmio.PROFILE_FAMILIES]
 NAVIGATION = ("Navigation", "SSSNavigation")
 T0 = 767966413.0  # 2004-05-02 12:00:00 UTC, seconds since 1980
 
@@ -60,7 +59,7 @@ D, U = ctypes.c_double, ctypes.c_uint
 
 
 class CApi:
-    """The flat C functions, one record or beam per call."""
+    """The flat C writers, one record or beam per call."""
 
     def __init__(self, path):
         self.lib = ctypes.CDLL(path)
@@ -118,38 +117,6 @@ class CApi:
             self.call(f"{p}EndSeqWriteLineSegment", h, U(0))
         self.call(f"{p}EndSeqWriteSummary", h, U(0))
         self.call(f"{p}Close", h)
-
-    def read(self, line, family):
-        """Every record (or profile header and beam) as lists of values."""
-        p = "ObservedDepths" if family.startswith("ObservedDepths") else family
-        h = self.open(line, family, "query")
-        rows = []
-        if family in velmio.PROFILE_FAMILIES:
-            n = ctypes.c_uint()
-            summary = {"TPE": (None, ctypes.byref(n)) + (None,) * 10,
-                       "SLRange": (None, None, ctypes.byref(n)) + (None,) * 4}.get(
-                family, (None, None, ctypes.byref(n)) + (None,) * 6)
-            self.call(f"{p}Summary", h, *summary)
-            for i in range(1, n.value + 1):
-                count, first, t, s = U(), U(), D(), U()
-                a, b = (U(), None) if family == "TPE" else (D(), D())
-                args = [ctypes.byref(x) for x in (count, first, t, a)] + ([ctypes.byref(b)] if b is not None else [])
-                self.call(f"{p}ReadProfile", h, U(i), *args, ctypes.byref(s))
-                rows.append(("profile", t.value, count.value, first.value, s.value))
-                for j in range(count.value):
-                    out = [D() for _ in range(3 if family == "TPE" else 5)] + [U()]
-                    self.call(f"{p}Read", h, U(i), U(first.value + j), *[ctypes.byref(x) for x in out])
-                    rows.append(tuple(x.value for x in out))
-        else:
-            n = ctypes.c_uint()
-            args = (None, ctypes.byref(n)) + (None,) * (8 if family in NAVIGATION else 5)
-            self.call(f"{p}Summary", h, *args)
-            for i in range(1, n.value + 1):
-                out = [D() for _ in range(4 if family in NAVIGATION else 2)] + [U()]
-                self.call(f"{p}Read", h, U(i), *[ctypes.byref(x) for x in out])
-                rows.append(tuple(x.value for x in out))
-        self.call(f"{p}Close", h)
-        return rows
 
 
 @pytest.fixture(scope="session")

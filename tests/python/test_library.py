@@ -1,5 +1,5 @@
-"""Vessel configurations, sound velocity profiles, projections, times, the
-plot, and a round-trip property of sensor files."""
+"""Vessel configurations, sound velocity profiles, projections, times and
+the plot through Python."""
 
 import ctypes
 import math
@@ -8,7 +8,7 @@ import numpy as np
 import pytest
 
 import velmio
-from conftest import T0, sample, write_python
+from conftest import sample, write_python
 
 D = ctypes.c_double
 
@@ -116,24 +116,3 @@ def test_plot_draws_track_and_attitude(tmp_path):
     out = velmio.plot.line(tmp_path, out=tmp_path / "line.png")
     data = open(out, "rb").read()
     assert data[:8] == b"\x89PNG\r\n\x1a\n" and len(data) > 20000
-
-
-hypothesis = pytest.importorskip("hypothesis")
-st = hypothesis.strategies
-
-
-@hypothesis.settings(max_examples=25, deadline=None, database=None)
-@hypothesis.given(st.lists(st.tuples(st.integers(0, 10**6), st.floats(-3.0, 3.0), st.integers(0, 2**32 - 1)),
-                           min_size=1, max_size=40))
-def test_written_values_read_back_at_the_stored_resolution_and_rewrite_to_the_same_bytes(tmp_path_factory, rows):
-    tmp = tmp_path_factory.mktemp("roundtrip")
-    ms, values, status = (np.array(c) for c in zip(*rows))
-    columns = {"time": T0 + np.sort(ms) / 1000.0, "value": values, "status": status.astype(np.uint32)}
-    write_python(tmp / "a", "Roll", [("a.raw", columns)])
-    back = velmio.open_line(tmp / "a").read("Roll")
-    np.testing.assert_allclose(back["time"], columns["time"], rtol=0, atol=1e-6)
-    np.testing.assert_allclose(back["value"], values, rtol=0, atol=0.5e-7 + 1e-15)
-    np.testing.assert_array_equal(back["status"], columns["status"])
-    write_python(tmp / "b", "Roll", [("a.raw", {k: back[k] for k in ("time", "value", "status")})])
-    for suffix in ("", "LineSegments", "TmIdx"):
-        assert (tmp / "a" / ("Roll" + suffix)).read_bytes() == (tmp / "b" / ("Roll" + suffix)).read_bytes()

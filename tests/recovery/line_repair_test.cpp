@@ -3,12 +3,12 @@
 // clean write made, and the damaged files stay aside. Profile families cut
 // inside their last profile repair to a clean write of the whole profiles.
 #include <velmio/line_check.h>
-#include <velmio/observed_depths.h>
 #include <velmio/processed_depths.h>
 #include <velmio/side_scan.h>
 #include <velmio/simple_sensor.h>
 
 #include "support/test_support.h"
+#include "tests/sensors/profile_families.h"
 
 #include <filesystem>
 #include <string>
@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 namespace {
 
 // Two segments, so that keeping them differs from one recovered segment.
-void writeLine(const std::string &line) {
+void writeGyroAndDepths(const std::string &line) {
     fs::create_directories(line);
     const std::wstring w = widen(line);
     int error = 0;
@@ -32,16 +32,7 @@ void writeLine(const std::string &line) {
         ASSERT_EQ(GyroEndSeqWriteLineSegment(h, 7), 0);
     }
     ASSERT_EQ(GyroClose(h), 0);
-    h = ObservedDepthsOpenDir(w.c_str(), L"create", &error);
-    ASSERT_NE(h, nullptr);
-    ASSERT_EQ(ObservedDepthsBgnSeqWriteLineSegment(h, L"a.raw"), 0);
-    for (int p = 0; p < 2; ++p) {
-        ASSERT_EQ(ObservedDepthsBgnSeqWriteProfile(h, 2, 1, 200.0 + p, 0.0, 0.0, 0), 0);
-        for (int b = 0; b < 2; ++b) ASSERT_EQ(ObservedDepthsSeqWrite(h, 200.0 + p, b, -b, 10.0 + p + b, 0, 0, 0), 0);
-        ASSERT_EQ(ObservedDepthsEndSeqWriteProfile(h), 0);
-    }
-    ASSERT_EQ(ObservedDepthsEndSeqWriteLineSegment(h, 0), 0);
-    ASSERT_EQ(ObservedDepthsClose(h), 0);
+    writeLine(observedDepths(), w, 2, false, [](unsigned) { return Layout{2, 1}; });
 }
 
 // Profiles 0 .. count - 1 in one segment named as a repair names the one it
@@ -100,7 +91,7 @@ unsigned int problems(const std::string &line) {
 TEST(LineRepair, KeepsIntactSegmentsAndRebuildsWhatACleanWriteMade) {
     TempDir dir;
     const std::string line = dir.file("line");
-    writeLine(line);
+    writeGyroAndDepths(line);
     const auto clean = snapshot(line);
     // A lost time index, a summary that counts one record less and a torn
     // record at the end of the gyro; a profile cut inside its beams.
@@ -144,7 +135,8 @@ TEST(LineRepair, KeepsIntactSegmentsAndRebuildsWhatACleanWriteMade) {
     ASSERT_EQ(ObservedDepthsLineSegment(h, 1, &name, &first, &last, &bounds[0], &bounds[1], &bounds[2], &bounds[3],
                                         &status), 0);
     EXPECT_EQ(std::wstring(name) + L" " + std::to_wstring(last), L"recovered 1");
-    EXPECT_EQ(std::vector<double>(bounds + 2, bounds + 4), std::vector<double>({10.0, 11.0}));
+    EXPECT_DOUBLE_EQ(bounds[2], depthBeam(1, 0)[3]);
+    EXPECT_DOUBLE_EQ(bounds[3], depthBeam(1, 1)[3]);
     std::free(name);
     ObservedDepthsClose(h);
 

@@ -3,18 +3,16 @@
 // (scripts/tsan-test.sh), where any data race fails the run; every build
 // still checks that no thread sees another thread's values.
 #include "support/test_support.h"
+#include "tests/sensors/profile_families.h"
 
 #include <velmio/console.h>
 #include <velmio/data_file.hpp>
 #include <velmio/geodesy.h>
 #include <velmio/messages.hpp>
 #include <velmio/navigation.h>
-#include <velmio/observed_depths.h>
 #include <velmio/simple_sensor.h>
-#include <velmio/slant_range.h>
 #include <velmio/svp.hpp>
 #include <velmio/time_conversions.h>
-#include <velmio/tpe.h>
 #include <velmio/vessel.hpp>
 #include <velmio/vessel_queries.h>
 
@@ -27,7 +25,7 @@
 
 namespace {
 
-using velmio::test::TempDir;
+using namespace velmio::test;
 
 constexpr int kThreads = 4;
 constexpr int kRounds = 2;
@@ -75,55 +73,27 @@ void navigation(const std::wstring &dir, double v) {
     NavigationClose(h);
 }
 
-void profiles(const std::wstring &dir, double v) {
-    int error = 0;
-    TOVO_Sensor *od = ObservedDepthsOpenDir(dir.c_str(), L"create", &error);
-    TOVO_Sensor *sl = SLRangeOpenDir(dir.c_str(), L"create", &error);
-    TOVO_Sensor *tpe = TPEOpenDir(dir.c_str(), L"create", &error);
-    ASSERT_TRUE(od && sl && tpe) << error;
-    ObservedDepthsBgnSeqWriteSummary(od);
-    SLRangeBgnSeqWriteSummary(sl, 5);
-    TPEBgnSeqWriteSummary(tpe);
-    ObservedDepthsBgnSeqWriteLineSegment(od, L"a.all");
-    SLRangeBgnSeqWriteLineSegment(sl, L"a.all");
-    TPEBgnSeqWriteLineSegment(tpe, L"a.all");
-    for (int p = 0; p < kRecords / 4; ++p) {
-        const double t = startTime() + p;
-        ObservedDepthsBgnSeqWriteProfile(od, 3, 1, t, 0, 0, 0);
-        SLRangeBgnSeqWriteProfile(sl, 3, 1, t, 0, 0, 0);
-        TPEBgnSeqWriteProfile(tpe, 3, 1, t, 0, 0);
-        for (int b = 0; b < 3; ++b) {
-            ObservedDepthsSeqWrite(od, t, b, -b, v, 0, 0, 0);
-            SLRangeSeqWrite(sl, t, v, 0.25, 0.5, -0.3, 0);
-            TPESeqWrite(tpe, t, 0.1, v / 10, 0);
+// The profile families, one after the other; profile numbers from first on
+// give the thread its own ping and beam times.
+void profiles(const std::wstring &dir, unsigned first) {
+    for (const Family &f : {observedDepths(), slantRange(), tpe()}) {
+        TOVO_Sensor *h = f.open(dir, L"create");
+        ASSERT_NE(h, nullptr) << f.name;
+        ASSERT_EQ(f.beginSegment(h, L"a.all"), 0);
+        for (unsigned p = first; p < first + kRecords / 4; ++p) {
+            ASSERT_EQ(f.beginProfile(h, p, {3, 1}), 0);
+            for (unsigned k = 0; k < 3; ++k) ASSERT_EQ(f.writeBeam(h, p, k), 0);
+            ASSERT_EQ(f.endProfile(h), 0);
         }
-        ObservedDepthsEndSeqWriteProfile(od);
-        SLRangeEndSeqWriteProfile(sl);
-        TPEEndSeqWriteProfile(tpe);
+        ASSERT_EQ(f.endSegment(h, 0), 0);
+        EXPECT_EQ(f.close(h), 0);
+        h = f.open(dir, L"query");  // TPE's with the block reader (VelmIOCacheSize)
+        ASSERT_NE(h, nullptr) << f.name;
+        Reading r;
+        EXPECT_EQ(f.read(h, 2, 3, r), 0);
+        EXPECT_NEAR(r.v[0], beamTimeOf(first + 1, 2), 1e-3) << f.name;
+        f.close(h);
     }
-    ObservedDepthsEndSeqWriteLineSegment(od, 0);
-    SLRangeEndSeqWriteLineSegment(sl, 0);
-    TPEEndSeqWriteLineSegment(tpe, 0);
-    ObservedDepthsEndSeqWriteSummary(od, 0);
-    SLRangeEndSeqWriteSummary(sl, 0);
-    TPEEndSeqWriteSummary(tpe, 0);
-    EXPECT_EQ(ObservedDepthsClose(od) | SLRangeClose(sl) | TPEClose(tpe), 0);
-
-    od = ObservedDepthsOpenDir(dir.c_str(), L"query", &error);
-    sl = SLRangeOpenDir(dir.c_str(), L"query", &error);
-    tpe = TPEOpenDir(dir.c_str(), L"query", &error);  // with the block reader (VelmIOCacheSize)
-    ASSERT_TRUE(od && sl && tpe) << error;
-    double t, x, y, z, extra, range, b1, b2, e1, e2, value;
-    unsigned status;
-    EXPECT_EQ(ObservedDepthsRead(od, 2, 3, &t, &y, &x, &z, &extra, &status), 0);
-    EXPECT_NEAR(z, v, 1e-3);
-    EXPECT_EQ(SLRangeRead(sl, 2, 3, &t, &range, &value, &b1, &b2, &status), 0);
-    EXPECT_NEAR(range, v, 1e-3);
-    EXPECT_EQ(TPERead(tpe, 2, 3, &t, &e1, &e2, &status), 0);
-    EXPECT_NEAR(e2, v / 10, 1e-3);
-    ObservedDepthsClose(od);
-    SLRangeClose(sl);
-    TPEClose(tpe);
 }
 
 void dataFile(const std::wstring &dir, int v) {
@@ -205,7 +175,7 @@ void sharedState(int id) {
 
 TEST(Threads, EveryFamilyAndTheSharedStateAtOnce) {
     TempDir root;
-    velmio::test::writeText(root.file("datums"), "WGS8 6378137.0 298.257223563\nNAD2 6378206.4 6356583.8\n");
+    writeText(root.file("datums"), "WGS8 6378137.0 298.257223563\nNAD2 6378206.4 6356583.8\n");
     ::setenv("kbvXdatum", root.file("datums").c_str(), 1);
     ::setenv("CONSOLE", root.file("diagnostics.txt").c_str(), 1);
     ::setenv("VelmIOCacheSize", "4", 1);
@@ -216,12 +186,12 @@ TEST(Threads, EveryFamilyAndTheSharedStateAtOnce) {
             for (int round = 0; round < kRounds; ++round) {
                 const std::string line = root.file("line" + std::to_string(id) + "-" + std::to_string(round));
                 std::filesystem::create_directory(line);
-                const std::wstring dir = velmio::test::widen(line);
+                const std::wstring dir = widen(line);
                 const double v = 1.0 + id + round / 8.0;
                 sharedState(id);
                 simpleSensor(dir, v / 4);
                 navigation(dir, v);
-                profiles(dir, v);
+                profiles(dir, 1 + 100 * id + 20 * round);
                 dataFile(dir, id * 100 + round);
                 vessel(dir, v);
                 soundVelocity(dir, 1480.0 + v);

@@ -44,12 +44,13 @@ Result shell(const std::string &command, const TempDir &scratch) {
 
 Result tool(const std::string &args, const TempDir &scratch) { return shell(sq(VELMIO_TOOL) + " " + args, scratch); }
 
-// Runs a Python expression over the JSON document in file (bound to d); its
-// printed result, or the parser's complaint.
-std::string python(const std::string &file, const std::string &expression, const TempDir &scratch) {
+// Runs a Python expression over a JSON document (bound to d); its printed
+// result, or the parser's complaint.
+std::string python(const std::string &json, const std::string &expression, const TempDir &scratch) {
+    std::ofstream(scratch.file("doc.json")) << json;
     std::ofstream(scratch.file("query.py"))
         << "import json, sys\nd = json.load(open(sys.argv[1], encoding='utf-8'))\nprint(repr((" << expression << ")))\n";
-    const Result r = shell("/usr/bin/python3 " + sq(scratch.file("query.py")) + " " + sq(file), scratch);
+    const Result r = shell("/usr/bin/python3 " + sq(scratch.file("query.py")) + " " + sq(scratch.file("doc.json")), scratch);
     return r.out + r.err;
 }
 
@@ -91,21 +92,19 @@ int apiCode(const std::string &line, TOVO_Sensor *(*open)(const wchar_t *, const
 TEST_F(Survey, InfoReportsEveryLineTheDamagedOnesWithTheirCodes) {
     const Result r = tool("info " + sq(root_) + " --json", scratch_);
     EXPECT_EQ(r.rc, 1);
-    std::ofstream(scratch_.file("info.json")) << r.out;
-    const std::string doc = scratch_.file("info.json");
-    EXPECT_EQ(python(doc, "d['totals']['all']['lines'], d['totals']['all']['damaged'], len(d['totals']['days'])",
+    EXPECT_EQ(python(r.out, "d['totals']['all']['lines'], d['totals']['all']['damaged'], len(d['totals']['days'])",
                      scratch_),
               "(8, 2, 4)\n");
     const int gyro = apiCode(line("Surveyor", 123, 2), GyroOpenDir), heave = apiCode(line("Tender", 124, 1), HeaveOpenDir);
     ASSERT_NE(gyro, 0);
     ASSERT_NE(heave, 0);
-    EXPECT_EQ(python(doc, "[(l['vessel'], l['day'], l['line'], s['error']['code']) for l in d['lines'] for s in "
+    EXPECT_EQ(python(r.out, "[(l['vessel'], l['day'], l['line'], s['error']['code']) for l in d['lines'] for s in "
                           "l['sensors'] if 'error' in s]",
                      scratch_),
               "[('Surveyor', '2004-123', 'Line002', " + std::to_string(gyro) + "), ('Tender', '2004-124', 'Line001', " +
                   std::to_string(heave) + ")]\n");
     // The undamaged sensors of a damaged line are still reported.
-    EXPECT_EQ(python(doc, "[(s['records'], s['segments'][1]['first'], round(s['extents']['lat']['min'], 6)) for l in d['lines'] "
+    EXPECT_EQ(python(r.out, "[(s['records'], s['segments'][1]['first'], round(s['extents']['lat']['min'], 6)) for l in d['lines'] "
                           "for s in l['sensors'] if l['line'] == 'Line002' and l['vessel'] == 'Surveyor' and "
                           "l['day'] == '2004-123' and s['name'] == 'Navigation']",
                      scratch_),
@@ -139,9 +138,8 @@ TEST_F(Survey, InfoOnOneDayAndOnPathsThatHoldNoLines) {
         << r.out;
     std::filesystem::create_directory(scratch_.file("empty"));
     r = tool("info " + sq(scratch_.file("empty")) + " --json", scratch_);
-    std::ofstream(scratch_.file("empty.json")) << r.out;
     EXPECT_EQ(r.rc, 0);
-    EXPECT_EQ(python(scratch_.file("empty.json"), "len(d['lines']), d['totals']['all']['lines']", scratch_), "(0, 0)\n");
+    EXPECT_EQ(python(r.out, "len(d['lines']), d['totals']['all']['lines']", scratch_), "(0, 0)\n");
     r = tool("info " + sq(scratch_.file("nowhere")), scratch_);
     EXPECT_EQ(r.rc, 1);
     EXPECT_NE(r.err.find("error 5000010"), std::string::npos) << r.err;
@@ -189,14 +187,13 @@ TEST_F(Survey, DumpWritesTheValuesTheApiReads) {
 
     r = tool("dump " + sq(path) + " ObservedDepths --profiles 75:76 --format json", scratch_);
     ASSERT_EQ(r.rc, 0) << r.err;
-    std::ofstream(scratch_.file("od.json")) << r.out;
     h = ObservedDepthsOpenDir(velmio::tool::widen(path).c_str(), L"query", &error);
     ASSERT_NE(h, nullptr);
     double t, y, x, depth, extra;
     unsigned int status;
     ASSERT_EQ(ObservedDepthsRead(h, 76, 101, &t, &y, &x, &depth, &extra, &status), 0);
     ObservedDepthsClose(h);
-    EXPECT_EQ(python(scratch_.file("od.json"),
+    EXPECT_EQ(python(r.out,
                      "len(d['records']), d['records'][-1]['profile'], d['records'][-1]['beam'], "
                      "d['records'][-1]['depth'], d['records'][-1]['status_text']",
                      scratch_),
@@ -283,15 +280,13 @@ TEST_F(Survey, VesselShowsOffsetsAndDegreesAtATime) {
     const std::string file = root_ + "/VesselConfig/Tender.tvc";
     Result r = tool("vessel " + sq(file) + " --json --at '2004-124 00:00:00'", scratch_);
     ASSERT_EQ(r.rc, 0) << r.err;
-    std::ofstream(scratch_.file("v.json")) << r.out;
-    EXPECT_EQ(python(scratch_.file("v.json"),
+    EXPECT_EQ(python(r.out,
                      "d['sensors']['Navigation']['offsetX'], d['sensors']['Gyro']['gyroOffset_deg'], "
                      "d['sensors']['Depth']['mountPitch_deg'], d['sensors']['Draft']['error']['code']",
                      scratch_),
               "(1.25, 0.4, 0.5, 5000422)\n");
     r = tool("vessel " + sq(file) + " --json --at '2004-100 00:00:00'", scratch_);
-    std::ofstream(scratch_.file("early.json")) << r.out;
-    EXPECT_EQ(python(scratch_.file("early.json"), "d['sensors']['Gyro']['error']['code']", scratch_), "5000413\n");
+    EXPECT_EQ(python(r.out, "d['sensors']['Gyro']['error']['code']", scratch_), "5000413\n");
     EXPECT_EQ(tool("vessel " + sq(scratch_.file("none.tvc")), scratch_).rc, 1);
 }
 

@@ -239,19 +239,6 @@ TEST(VesselDocument, BadDocumentsFailWithTheirCodes) {
     }
 }
 
-TEST(VesselDocument, NonXmlFileGoesToTheVersion1Reader) {
-    TempDir dir;
-    writeText(dir.file("old.tvc"), "VESSEL old\nGYRO 0 0 0\n");
-    int error = 0;
-    testing::internal::CaptureStdout();
-    auto vessel = open(dir.wfile("old.tvc"), error);
-    const std::string out = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(error, 5000401);
-    EXPECT_EQ(out.rfind(dir.file("old") + " is a Version 1 VCF file.  Attempting to load using Version 1 API\n", 0),
-              0u);
-    EXPECT_STREQ(vessel->getFileName(), dir.wfile("old.tvc").c_str());
-}
-
 TEST(VesselDocument, HostileDocumentsNeverCrash) {
     TempDir dir;
     std::string deep = "<VELMVesselConfig Version=\"2\"><GyroSensor>";
