@@ -364,27 +364,48 @@ int readRange(const NavigationFamily &f, TOVO_Sensor *h, unsigned int first, uns
     if (count == 0) return 0;
     if (!inRange(*h, first, count)) return f.records.code(kOutOfRange);
     const bool edited = isUpdate(*h);
-    // decodeRecord's arithmetic, a field at a time, with the handle's scales in locals.
+    // decodeRecord's arithmetic, with the handle's scales in locals.
     const double timeScale = h->timeScale, referenceTime = h->referenceTime * 60.0;
     const double positionScale = h->positionScale;
     const double referenceLatitude = h->referenceLatitude * 1e-7, referenceLongitude = h->referenceLongitude * 1e-7;
+    auto timeOf = [timeScale, referenceTime](std::uint32_t u) {
+        return static_cast<double>(static_cast<std::int32_t>(u)) / timeScale + referenceTime;
+    };
     auto position = [positionScale](double reference) {
         return [positionScale, reference](std::uint32_t w) {
             return static_cast<double>(static_cast<std::int32_t>(w)) * positionScale * 1e-9 + reference;
         };
     };
+    const auto latitudeOf = position(referenceLatitude), longitudeOf = position(referenceLongitude);
+    auto metresOf = [](std::uint32_t u) { return static_cast<std::int32_t>(u) / 1000.0; };
+    auto editedStatuses = [&](std::uint32_t i, std::uint32_t n) {
+        if (statuses && edited) std::copy_n(h->shadowStatus + first + i, n, statuses + i);
+    };
+    if (times && latitudes && longitudes && metres && statuses) {
+        // The usual call: one pass over each record beats gathering its
+        // words first, most of all on short ranges.
+        auto decodeRecords = [&](std::uint32_t i, const unsigned char *bytes, std::uint32_t n) {
+            for (std::uint32_t j = i; j < i + n; ++j, bytes += kRecordBytes) {
+                statuses[j] = loadBe32(bytes);
+                times[j] = timeOf(loadBe32(bytes + 4));
+                latitudes[j] = latitudeOf(loadBe32(bytes + 8));
+                longitudes[j] = longitudeOf(loadBe32(bytes + 12));
+                metres[j] = metresOf(loadBe32(bytes + 16));
+            }
+            editedStatuses(i, n);
+            return 0;
+        };
+        return readRecordBatches(*h, *s, first, count, decodeRecords);
+    }
+    // Some arrays missing: a field at a time, skipping the missing ones.
     auto decode = [&](std::uint32_t i, std::uint32_t run, const std::uint32_t (*w)[kColumnRun]) {
         auto slots = [i](auto *array) { return array ? array + i : nullptr; };
-        fillColumn(slots(times), run, w[1], [timeScale, referenceTime](std::uint32_t u) {
-            return static_cast<double>(static_cast<std::int32_t>(u)) / timeScale + referenceTime;
-        });
-        fillColumn(slots(latitudes), run, w[2], position(referenceLatitude));
-        fillColumn(slots(longitudes), run, w[3], position(referenceLongitude));
-        fillColumn(slots(metres), run, w[4], [](std::uint32_t u) { return static_cast<std::int32_t>(u) / 1000.0; });
-        if (statuses && edited)
-            std::copy_n(h->shadowStatus + first + i, run, statuses + i);
-        else
-            fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u; });
+        fillColumn(slots(times), run, w[1], timeOf);
+        fillColumn(slots(latitudes), run, w[2], latitudeOf);
+        fillColumn(slots(longitudes), run, w[3], longitudeOf);
+        fillColumn(slots(metres), run, w[4], metresOf);
+        if (!edited) fillColumn(slots(statuses), run, w[0], [](std::uint32_t u) { return u; });
+        editedStatuses(i, run);
     };
     return readRecordBatches(*h, *s, first, count, [&](std::uint32_t i, const unsigned char *bytes, std::uint32_t n) {
         forEachRun<5>(bytes, n, kRecordBytes,

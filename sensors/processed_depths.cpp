@@ -403,10 +403,31 @@ VELMIO_API int ProcessedDepthsSeqWriteBeams(TOVO_Sensor *handle, unsigned int co
                                             const ProcessedDepthsSounding *soundings,
                                             const ProcessedDepthsMeasurement *measurements,
                                             const ProcessedDepthsReductions *reductions) {
-    return writeBeams(handle, kProcessedDepths, count, soundings != nullptr, [&](std::uint32_t i) {
-        return ProcessedDepthsSeqWrite(handle, soundings + i, measurements ? measurements + i : nullptr,
-                                       reductions ? reductions + i : nullptr);
-    });
+    ProcessedState *s = nullptr;
+    if (const int rc = enter(handle, kCreateMode, s)) return rc;
+    // Copies: the buffer's char stores could alias the state.
+    const ProcessedDepthsFrame frame = frameOf(*handle, *s);
+    const ProcessedDepthsPing ping = s->ping;
+    Extent depthRange;
+    return appendBeams(
+        handle, kProcessedDepths, count, soundings != nullptr, nullptr,
+        [&](const BeamClock &, std::uint32_t i, std::uint32_t, unsigned char *bytes) {
+            std::uint32_t w[kProcessedBeamBytes / 4];
+            encodeSounding(soundings[i], ping, frame, w);
+            encodeMeasurement(measurements ? measurements[i] : ProcessedDepthsMeasurement{}, w + kSoundingWords);
+            encodeReductions(reductions ? reductions[i] : ProcessedDepthsReductions{},
+                             w + kSoundingWords + kMeasurementWords);
+            putUnits(w, kProcessedBeamBytes / 4, bytes);
+            depthRange.widen(soundings[i].depth);
+        },
+        [&](ProfileState &state) {
+            handle->extents[kDepth].widen(depthRange);
+            if (state.currentSegment) state.currentSegment->extents[kDepth].widen(depthRange);
+        },
+        [&](std::uint32_t i) {
+            return ProcessedDepthsSeqWrite(handle, soundings + i, measurements ? measurements + i : nullptr,
+                                           reductions ? reductions + i : nullptr);
+        });
 }
 
 VELMIO_API int ProcessedDepthsUpdateStatus(TOVO_Sensor *handle, unsigned int profileNumber, unsigned int beamNumber,

@@ -1,7 +1,7 @@
-// The bulk reads and writes of the profile families, built on each family's
+// The bulk reads of the profile families, built on each family's
 // per-profile and per-beam operations so that both paths give the same
-// values and write the same bytes. Each family passes small callables that
-// read one header, read one beam into slot i, or write beam i.
+// values. Each family passes small callables that read one header or read
+// one beam into slot i (bulk writes: appendBeams).
 #ifndef VELMIO_SENSORS_PROFILE_BULK_H
 #define VELMIO_SENSORS_PROFILE_BULK_H
 
@@ -187,20 +187,6 @@ int readBeamsInPlace(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t first
     };
     return readBeamBatches(h, f, first, count, beamCapacity, beamOffsets, beamsOf, readable, batch, storeHeader);
 }
-
-// writeBeam(i) appends beam i of the caller's arrays to the open profile.
-template <class WriteBeam>
-int writeBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, bool inputsPresent,
-               WriteBeam writeBeam) {
-    ProfileState *s = nullptr;
-    if (const int rc = enterProfile(h, f, kCreateMode, s)) return rc;
-    if (count == 0) return 0;
-    if (!inputsPresent) return -1;
-    for (std::uint32_t i = 0; i < count; ++i)
-        if (const int rc = writeBeam(i)) return rc;
-    return 0;
-}
-
 
 // Observed depths and slant range read a header the same way (beams, first
 // beam, time, two angles, status), so their bulk header reads are one.

@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <type_traits>
 #include <vector>
 
 namespace velmio {
@@ -201,15 +202,17 @@ inline std::uint32_t statusAndOffset(const ProfileState &s, double beamTime, std
     return beamClock(s).word1(beamTime, status);
 }
 
-// The bulk form of writeBeam for SeqWriteBeams: enters like the family's
-// other create-mode calls, then encodes beams 0 .. count - 1 straight into
-// the append buffer a buffer's worth at a time. encode(clock, i, status,
-// bytes) stores beam i, widens the family's own extents in locals and
-// returns the beam's time; widen(s) widens the handle's by those locals
+// The bulk form of the per-beam (per-item) writes for every profile
+// family: enters like the family's other create-mode calls, then encodes
+// beams 0 .. count - 1 straight into the append buffer a buffer's worth at
+// a time. encode(clock, i, status, bytes) stores beam i, widens the
+// family's own extents in locals and returns the beam's time, which widens
+// the time extents; families whose beam times stay out of those (or that
+// have none) return nothing. widen(s) widens the handle's by those locals
 // after each batch (a char store could alias the handle: its extents stay
 // out of the loop). A beam the batch cannot take (a failing flush, more
 // beams than declared) goes through writeOne(i), the per-beam write, so
-// that codes are the same. Null statuses write status 0.
+// that codes are the same. Null statuses pass status 0 to encode.
 template <class Encode, class Widen, class WriteOne>
 int appendBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, bool inputsPresent,
                 const unsigned int *statuses, Encode encode, Widen widen, WriteOne writeOne) {
@@ -220,12 +223,18 @@ int appendBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, boo
     const std::uint32_t size = f.geometry.itemBytes;
     const std::uint32_t fits = s->profileOpen ? std::min(count, s->beamsDeclared - s->beamsWritten) : 0;
     const BeamClock clock = beamClock(*s);
+    constexpr bool kTimed =
+        !std::is_void<decltype(encode(clock, std::uint32_t{}, std::uint32_t{}, (unsigned char *)nullptr))>::value;
     // One loop per kind of status source, so that the loop tests nothing
     // but its end.
     auto encodeBatch = [&](std::uint32_t first, std::uint32_t n, unsigned char *p, auto statusOf) {
         Extent times;
-        for (std::uint32_t k = first; k < first + n; ++k, p += size)
-            times.widen(encode(clock, k, statusOf(k), p));
+        for (std::uint32_t k = first; k < first + n; ++k, p += size) {
+            if constexpr (kTimed)
+                times.widen(encode(clock, k, statusOf(k), p));
+            else
+                encode(clock, k, statusOf(k), p);
+        }
         return times;
     };
     std::uint32_t i = 0;
@@ -243,8 +252,10 @@ int appendBeams(TOVO_Sensor *h, const ProfileFamily &f, std::uint32_t count, boo
         s->appender.commit(std::size_t{batch} * size);
         s->beamsWritten += batch;
         s->repositionNeeded = 1;
-        h->extents[0].widen(times);
-        if (s->currentSegment) s->currentSegment->extents[0].widen(times);
+        if (kTimed) {
+            h->extents[0].widen(times);
+            if (s->currentSegment) s->currentSegment->extents[0].widen(times);
+        }
         widen(*s);
         i += batch;
     }

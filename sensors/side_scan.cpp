@@ -461,9 +461,16 @@ VELMIO_API int SideScanSeqWriteSamples(TOVO_Sensor *handle, unsigned int count, 
                                        const unsigned int *detections) {
     ProfileState *s = nullptr;
     if (const int rc = enter(handle, kCreateMode, s)) return rc;
-    return writeBeams(handle, s->profiles, count, amplitudes != nullptr, [&](std::uint32_t i) {
-        return SideScanSeqWrite(handle, amplitudes[i], detections ? detections[i] : 0);
-    });
+    Extent amplitudeRange;
+    return appendBeams(
+        handle, s->profiles, count, amplitudes != nullptr, detections,
+        [&](const BeamClock &, std::uint32_t i, std::uint32_t detection, unsigned char *bytes) {
+            storeBe32(bytes, asWord(amplitudes[i]));
+            storeBe32(bytes + 4, detection);
+            amplitudeRange.widen(amplitudes[i]);
+        },
+        [&](ProfileState &) { handle->extents[kAmplitude].widen(amplitudeRange); },
+        [&](std::uint32_t i) { return SideScanSeqWrite(handle, amplitudes[i], detections ? detections[i] : 0); });
 }
 
 VELMIO_API int SideScanSeqWriteTrace(TOVO_Sensor *handle, unsigned int bottomSample, double depth) {

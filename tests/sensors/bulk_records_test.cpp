@@ -143,10 +143,11 @@ TEST_P(BulkRecords, MatchThePerRecordPathsInBytesValuesEditsAndCodes) {
         ASSERT_EQ(readRange(h, first, count, got), 0) << first;
         EXPECT_TRUE(got == readEach(h, first, count)) << first;
     }
-    // Any array may be null.
-    std::vector<unsigned> statuses(kRecords);
-    ASSERT_EQ(f.readRange(h, 1, kRecords, nullptr, nullptr, nullptr, nullptr, statuses.data()), 0);
-    EXPECT_EQ(statuses, lineValues().s);
+    // Any array may be null; the others get the same values.
+    Columns whole(kRecords), some(kRecords);
+    ASSERT_EQ(readRange(h, 1, kRecords, whole), 0);
+    ASSERT_EQ(f.readRange(h, 1, kRecords, some.t.data(), nullptr, some.b.data(), nullptr, some.s.data()), 0);
+    EXPECT_TRUE(some.t == whole.t && some.b == whole.b && some.s == lineValues().s);
 
     // Nothing read leaves the arrays as they were.
     const Columns untouched(3);

@@ -48,7 +48,7 @@ const unsigned kBeams[] = {3, 0, 5, 1, 2, 0, 4, 1, 2};
 const unsigned kFirst[] = {1, 1, 7, 65535, 2, 1, 10, 1, 3};
 constexpr unsigned kPings = 9;
 
-void writeLine(const TempDir &dir) {
+void writeLine(const TempDir &dir, bool perBeamOnly = false) {
     TOVO_Sensor *h = openLine(ProcessedDepthsOpenDir, dir, L"create");
     ASSERT_NE(h, nullptr);
     ASSERT_EQ(ProcessedDepthsBgnSeqWriteSummary(h, 5), 0);
@@ -73,7 +73,7 @@ void writeLine(const TempDir &dir) {
             r[k] = {0.4, 0.01 * k, 2.5, -0.001 * k};
         }
         // Half the beams one by one, the rest in bulk.
-        const unsigned half = static_cast<unsigned>(s.size()) / 2;
+        const unsigned half = perBeamOnly ? static_cast<unsigned>(s.size()) : static_cast<unsigned>(s.size()) / 2;
         for (unsigned k = 0; k < half; ++k) ASSERT_EQ(ProcessedDepthsSeqWrite(h, &s[k], &m[k], &r[k]), 0);
         ASSERT_EQ(ProcessedDepthsSeqWriteBeams(h, static_cast<unsigned>(s.size()) - half, s.data() + half,
                                                m.data() + half, r.data() + half),
@@ -85,6 +85,14 @@ void writeLine(const TempDir &dir) {
     }
     ASSERT_EQ(ProcessedDepthsEndSeqWriteSummary(h, 0x40), 0);
     ASSERT_EQ(ProcessedDepthsClose(h), 0);
+}
+
+TEST(ProcessedDepthsFiles, BulkBeamsWriteThePerBeamBytes) {
+    TempDir perBeam, mixed;
+    writeLine(perBeam, true);
+    writeLine(mixed);
+    for (const char *name : {"ProcessedDepths", "ProcessedDepthsLineSegments", "ProcessedDepthsTmIdx"})
+        EXPECT_EQ(hex(readFile(mixed.file(name))), hex(readFile(perBeam.file(name)))) << name;
 }
 
 void add(Values &v, const ProcessedDepthsPing &p) {

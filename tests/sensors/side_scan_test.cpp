@@ -24,9 +24,11 @@ void writeLine(const TempDir &dir, Opener open) {
     TOVO_Sensor *h = openLine(open, dir, L"create");
     ASSERT_NE(h, nullptr);
     const bool traced = h->typeId == 9 || h->typeId == 10;
+    const int lastAmplitude = 300;  // written in bulk, its detection from null
     for (int rc : {SideScanBgnSeqWriteSummary(h, 7), SideScanBgnSeqWriteLineSegment(h, L"ping.all"),
                    SideScanBgnSeqWriteProfile(h, 2, 5, 6001.5, 0.000125, 18, -30, -10, 0),
-                   SideScanSeqWrite(h, -64, 0x81), SideScanSeqWrite(h, 300, 0), SideScanEndSeqWriteProfile(h),
+                   SideScanSeqWrite(h, -64, 0x81), SideScanSeqWriteSamples(h, 1, &lastAmplitude, nullptr),
+                   SideScanEndSeqWriteProfile(h),
                    traced ? SideScanSeqWriteTrace(h, 6, 12.345) : 0,
                    SideScanBgnSeqWriteProfile(h, 0, 1, 6002.25, 0.0, 0, 0, 0, 0x10000),
                    SideScanEndSeqWriteProfile(h), SideScanEndSeqWriteLineSegment(h, 3),
