@@ -69,6 +69,12 @@ public:
     // Byte offset of record n (counted from 1): 0, 5000036 for n == 0,
     // 5000037 beyond the last entry. Prints nothing.
     int map(std::uint32_t recordNumber, std::uint32_t &byteOffset) const;
+    // Starts loading record n's entry into the processor's cache, so that a
+    // map() after a slow call (a read of the data file) finds it there.
+    void prefetch(std::uint32_t recordNumber) const {
+        if (image_.bytes && uniform_ && recordNumber - 1 < entryCount_)
+            __builtin_prefetch(imageEntry(recordNumber - 1));
+    }
     // The entry of record n, or null.
     const TOVO_TmIdxEntry *entry(std::uint32_t recordNumber);
 

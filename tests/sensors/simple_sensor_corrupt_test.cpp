@@ -105,6 +105,22 @@ TEST(SimpleSensorCorrupt, SaveNeverWritesThroughABadOffset) {
     EXPECT_TRUE(SameBytes(words({0, -19500}), Bytes(data.begin() + 60, data.begin() + 68)));
 }
 
+// Records are read where the index entry says, even where it is not the
+// place they are written in order.
+TEST(SimpleSensorCorrupt, ReadsFollowTheIndexEntry) {
+    TempDir dir;
+    writeGyroLine(dir);
+    patchWord(dir.file("GyroTmIdx"), 44, 72);  // record 1 names record 3's bytes
+    TOVO_Sensor *h = openLine(GyroOpenDir, dir, L"query");
+    ASSERT_NE(h, nullptr);
+    double t = 0, v = 0;
+    unsigned int status = 0;
+    EXPECT_EQ(GyroRead(h, 1, &t, &v, &status), 0);
+    EXPECT_EQ(t, 101.0);
+    EXPECT_EQ(status, 7u);
+    EXPECT_EQ(GyroClose(h), 0);
+}
+
 // Path components longer than the handle's 64-character name arrays are
 // cut, and the line is written and read as any other.
 TEST(SimpleSensorCorrupt, LongPathComponentsDoNotOverflow) {
