@@ -64,6 +64,22 @@ std::size_t beamTotal(unsigned n, ReadCounts readCounts) {
     return static_cast<std::size_t>(total);
 }
 
+// The beam arrays of a ReadRange: a whole line is sized from its summary's
+// beam total and read once, unless that read fails or the total proves
+// wrong; otherwise the range's beams are counted first. make(total) gives
+// the arrays, fill(beams, strict) reads into them (strict: a failure
+// raises) and gives whether it succeeded, filled(beams) the beams placed.
+template <class Make, class Fill, class Filled, class Count>
+auto rangeBeams(bool wholeLine, std::size_t summaryTotal, Make make, Fill fill, Filled filled, Count count) {
+    if (wholeLine) {
+        auto beams = make(summaryTotal);
+        if (fill(*beams, false) && filled(*beams) == summaryTotal) return beams;
+    }
+    auto beams = make(count());
+    fill(*beams, true);
+    return beams;
+}
+
 template <class T>
 py::array_t<T> newArray(py::ssize_t count) {
     return py::array_t<T>(count);

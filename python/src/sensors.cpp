@@ -384,16 +384,12 @@ public:
         const unsigned all = count();
         const unsigned n = clampRange(first, countArg, all);
         Headers h(n);
-        std::unique_ptr<Beams> b;
-        if (first == 0 && n == all) {
-            b = std::make_unique<Beams>(summaryBeams(), n);
-            if (!readBeamsInto(first, n, &h, *b, false) || b->offsets[n] != static_cast<std::size_t>(b->t.size()))
-                b.reset();
-        }
-        if (!b) {
-            b = std::make_unique<Beams>(static_cast<py::ssize_t>(beamTotal(first, n)), n);
-            readBeamsInto(first, n, &h, *b);
-        }
+        const bool whole = first == 0 && n == all;
+        const auto b = python::rangeBeams(
+            whole, whole ? summaryBeams() : 0,
+            [n](std::size_t total) { return std::make_unique<Beams>(static_cast<py::ssize_t>(total), n); },
+            [&](Beams &beams, bool strict) { return readBeamsInto(first, n, &h, beams, strict); },
+            [n](const Beams &beams) { return std::size_t{beams.offsets[n]}; }, [&] { return beamTotal(first, n); });
         py::dict d;
         d["profiles"] = h.dict(family_.shape);
         d["beams"] = b->dict(family_.shape);

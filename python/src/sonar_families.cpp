@@ -475,20 +475,22 @@ public:
         const unsigned all = count();
         const unsigned n = range(first, countArg);
         Pings p(family_.sideScan, n);
-        std::unique_ptr<Samples> b;
-        int rc = -1;
-        if (first == 0 && n == all) {
-            b = std::make_unique<Samples>(family_.sideScan, summaryBeams(), n);
-            const BulkRead read(&p, b.get());
-            py::gil_scoped_release unlocked;
-            rc = read(h_, family_.sideScan, first, n);
-        }
-        if (rc != 0 || b->offsets[n] != b->size) {
-            b = std::make_unique<Samples>(family_.sideScan, beamTotal(first, n), n);
-            const BulkRead read(&p, b.get());
-            py::gil_scoped_release unlocked;
-            check(read(h_, family_.sideScan, first, n), "read");
-        }
+        const bool whole = first == 0 && n == all;
+        const auto b = python::rangeBeams(
+            whole, whole ? summaryBeams() : 0,
+            [&](std::size_t total) { return std::make_unique<Samples>(family_.sideScan, total, n); },
+            [&](Samples &samples, bool strict) {
+                const BulkRead read(&p, &samples);
+                int rc = 0;
+                {
+                    py::gil_scoped_release unlocked;
+                    rc = read(h_, family_.sideScan, first, n);
+                }
+                if (strict) check(rc, "read");
+                return rc == 0;
+            },
+            [n](const Samples &samples) { return std::size_t{samples.offsets[n]}; },
+            [&] { return beamTotal(first, n); });
         py::dict d;
         d["profiles"] = p.dict(family_.sideScan);
         d["beams"] = b->dict(family_.sideScan);
